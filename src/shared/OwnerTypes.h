@@ -1,0 +1,73 @@
+#pragma once
+
+#include <windows.h>
+
+#include <cstdio>
+#include <memory>
+#include <type_traits>
+
+namespace Orvik::Shared
+{
+struct HandleCloser
+{
+    using pointer = HANDLE;
+    void operator()(HANDLE handle) const noexcept { CloseHandle(handle); }
+};
+
+struct RegKeyCloser
+{
+    using pointer = HKEY;
+    void operator()(HKEY key) const noexcept { RegCloseKey(key); }
+};
+
+struct EventSourceCloser
+{
+    using pointer = HANDLE;
+    void operator()(HANDLE source) const noexcept { DeregisterEventSource(source); }
+};
+
+struct FileCloser
+{
+    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+
+// Handles whose invalid value is null: events, mutexes, threads.
+using UniqueHandle = std::unique_ptr<HANDLE, HandleCloser>;
+using UniqueRegKey = std::unique_ptr<HKEY, RegKeyCloser>;
+using UniqueEventSource = std::unique_ptr<HANDLE, EventSourceCloser>;
+using UniqueFile = std::unique_ptr<std::FILE, FileCloser>;
+
+// Lends a call the place where it writes a new resource; the owner takes it when the full expression ends:
+//     RegOpenKeyExW(root, name, 0, access, ReceiveInto(key));
+template <class Owner>
+class ReceiveInto
+{
+public:
+    explicit ReceiveInto(Owner& owner) : m_owner(owner) {}
+    ReceiveInto(const ReceiveInto&) = delete;
+    ReceiveInto& operator=(const ReceiveInto&) = delete;
+    ~ReceiveInto() { m_owner.reset(m_received); }
+
+    operator typename Owner::pointer *() noexcept { return &m_received; }
+
+private:
+    Owner& m_owner;
+    typename Owner::pointer m_received{};
+};
+
+// The owner's lock on a critical section, for the length of a scope.
+class CriticalSectionLock
+{
+public:
+    explicit CriticalSectionLock(CRITICAL_SECTION& section) noexcept : m_section(section)
+    {
+        EnterCriticalSection(&m_section);
+    }
+    CriticalSectionLock(const CriticalSectionLock&) = delete;
+    CriticalSectionLock& operator=(const CriticalSectionLock&) = delete;
+    ~CriticalSectionLock() { LeaveCriticalSection(&m_section); }
+
+private:
+    CRITICAL_SECTION& m_section;
+};
+} // namespace Orvik::Shared
