@@ -55,7 +55,21 @@ private:
     typename Owner::pointer m_received{};
 };
 
-// The owner's lock on a critical section, for the length of a scope.
+class CriticalSection
+{
+public:
+    CriticalSection() noexcept { InitializeCriticalSection(&m_section); }
+    CriticalSection(const CriticalSection&) = delete;
+    CriticalSection& operator=(const CriticalSection&) = delete;
+    ~CriticalSection() { DeleteCriticalSection(&m_section); }
+
+    operator CRITICAL_SECTION&() noexcept { return m_section; }
+
+private:
+    CRITICAL_SECTION m_section;
+};
+
+// A lock on a critical section for the length of a scope.
 class CriticalSectionLock
 {
 public:

@@ -54,6 +54,14 @@ public:
         return value;
     }
 
+    // Writes the exit record now, with this text instead of a result.
+    template <class... Args>
+    void ExitText(WideFormat<std::type_identity_t<Args>...> format, Args... args)
+    {
+        m_resultKind = ResultKind::Written;
+        Log(Level::TraceOut, m_pFunctionName, format, args...);
+    }
+
     [[nodiscard]] const char* FunctionName() const noexcept { return m_pFunctionName; }
 
     template <class... Args>
@@ -68,12 +76,25 @@ public:
         Log(Level::Information, m_pFunctionName, format, args...);
     }
 
+    template <class... Args>
+    void Warning(WideFormat<std::type_identity_t<Args>...> format, Args... args) const
+    {
+        Log(Level::Warning, m_pFunctionName, format, args...);
+    }
+
+    template <class... Args>
+    void Error(WideFormat<std::type_identity_t<Args>...> format, Args... args) const
+    {
+        Log(Level::Error, m_pFunctionName, format, args...);
+    }
+
 private:
     enum class ResultKind
     {
         None,
         Number,
-        Hresult
+        Hresult,
+        Written
     };
 
     void LogExit() const
@@ -82,7 +103,7 @@ private:
             Log(Level::TraceOut, m_pFunctionName, L"hr: 0x%08X", m_nResult);
         else if (m_resultKind == ResultKind::Number)
             Log(Level::TraceOut, m_pFunctionName, L"%d", m_nResult);
-        else
+        else if (m_resultKind == ResultKind::None)
             Log(Level::TraceOut, m_pFunctionName, L"");
     }
 

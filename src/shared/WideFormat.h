@@ -11,6 +11,7 @@ namespace FormatCheck
 void FormatHasMoreConversionsThanArguments();
 void FormatHasFewerConversionsThanArguments();
 void ArgumentDoesNotFitItsConversion();
+void WidthMustStandInTheFormat();
 
 enum class Kind
 {
@@ -32,7 +33,7 @@ consteval Kind KindOf()
         return Kind::NarrowText;
     else if constexpr (std::is_pointer_v<T>)
         return Kind::Pointer;
-    else if constexpr (std::is_same_v<T, double>)
+    else if constexpr (std::is_same_v<T, double> || std::is_same_v<T, float>)
         return Kind::Real;
     else if constexpr (std::is_integral_v<T> && sizeof(T) <= sizeof(int))
         return Kind::Integer;
@@ -52,19 +53,62 @@ consteval bool IsOneOf(wchar_t c, const wchar_t* set)
     return false;
 }
 
-consteval Kind KindOfConversion(wchar_t conversion, bool is64Bit)
+// The part of a conversion between its precision and its letter.
+struct Modifiers
+{
+    bool m_bNarrow = false;
+    bool m_bWide = false;
+    bool m_b64Bit = false;
+};
+
+consteval Modifiers ReadModifiers(const wchar_t*& p)
+{
+    Modifiers modifiers;
+    if (p[0] == L'I' && p[1] == L'6' && p[2] == L'4')
+    {
+        modifiers.m_b64Bit = true;
+        p += 3;
+    }
+    for (; IsOneOf(*p, L"hlL"); ++p)
+    {
+        modifiers.m_b64Bit |= *p == L'l' && modifiers.m_bWide;
+        modifiers.m_bWide |= *p == L'l';
+        modifiers.m_bNarrow |= *p == L'h';
+    }
+    return modifiers;
+}
+
+consteval Kind KindOfConversion(wchar_t conversion, Modifiers modifiers)
 {
     if (conversion == L's')
-        return Kind::WideText;
+        return modifiers.m_bNarrow ? Kind::NarrowText : Kind::WideText;
     if (conversion == L'S')
-        return Kind::NarrowText;
+        return modifiers.m_bWide ? Kind::WideText : Kind::NarrowText;
     if (conversion == L'p')
         return Kind::Pointer;
-    if (conversion == L'f')
+    if (IsOneOf(conversion, L"eEfgG"))
         return Kind::Real;
-    if (IsOneOf(conversion, L"dixXuc"))
-        return is64Bit ? Kind::Integer64 : Kind::Integer;
+    if (IsOneOf(conversion, L"dioxXu"))
+        return modifiers.m_b64Bit ? Kind::Integer64 : Kind::Integer;
+    if (conversion == L'c')
+        return Kind::Integer;
     return Kind::Other;
+}
+
+// The kind of argument that the conversion takes which begins at p; p is left on its last character. Other for "%%".
+consteval Kind ReadConversion(const wchar_t*& p)
+{
+    if (*++p == L'%')
+        return Kind::Other;
+    while (IsOneOf(*p, L"-+ #0123456789."))
+        ++p;
+    if (*p == L'*')
+        WidthMustStandInTheFormat();
+    const Modifiers modifiers = ReadModifiers(p);
+    const Kind kind = KindOfConversion(*p, modifiers);
+    if (kind == Kind::Other)
+        ArgumentDoesNotFitItsConversion();
+    return kind;
 }
 } // namespace FormatCheck
 
@@ -82,22 +126,12 @@ public:
         {
             if (*p != L'%')
                 continue;
-            ++p;
-            if (*p == L'%')
+            const FormatCheck::Kind wanted = FormatCheck::ReadConversion(p);
+            if (wanted == FormatCheck::Kind::Other)
                 continue;
-            while (FormatCheck::IsOneOf(*p, L"-+ #0123456789."))
-                ++p;
-            bool is64Bit = false;
-            if (p[0] == L'I' && p[1] == L'6' && p[2] == L'4')
-            {
-                is64Bit = true;
-                p += 3;
-            }
-            while (FormatCheck::IsOneOf(*p, L"hlL"))
-                ++p;
             if (used == sizeof...(Args))
                 FormatCheck::FormatHasMoreConversionsThanArguments();
-            if (given[used] != FormatCheck::KindOfConversion(*p, is64Bit))
+            if (given[used] != wanted)
                 FormatCheck::ArgumentDoesNotFitItsConversion();
             ++used;
         }

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "shared/Logger.h"
+
+#include <string>
+
+namespace Orvik::Shared
+{
+// Times the scope it lives in: at its end it logs the time at level Diag and adds it to the logger's statistics. Made
+// only when the logger's IsDiagTimingOn says so. Time during which the machine sleeps does not count.
+class CElapsedTimer
+{
+public:
+    CElapsedTimer(CLogger& logger, const char* functionName);
+    CElapsedTimer(const CElapsedTimer&) = delete;
+    CElapsedTimer& operator=(const CElapsedTimer&) = delete;
+    ~CElapsedTimer();
+
+private:
+    void LogElapsed() const noexcept;
+
+    CLogger& m_logger;
+    std::string m_strFunctionName;
+    ULONGLONG m_nStart = 0; // units of 100 nanoseconds
+    double m_elapsedMilliseconds = 0;
+};
+} // namespace Orvik::Shared

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "shared/OrvikLogListener.h"
+
+namespace Orvik::Shared
+{
+// Prints records to standard output, in the short form; without a console they are lost.
+class COrvikLogListenerConsole final : public COrvikLogListener
+{
+public:
+    COrvikLogListenerConsole(int defaultMinLevel, const LoggingPolicy& policy)
+        : COrvikLogListener(defaultMinLevel, policy)
+    {
+    }
+
+    void Write(const LogData& data) override;
+    [[nodiscard]] unsigned GetType() const override { return ListenerKind::Console; }
+};
+} // namespace Orvik::Shared

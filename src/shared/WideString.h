@@ -1,0 +1,6 @@
+#pragma once
+
+#include <string>
+
+// Wide text that is passed around by value.
+using CStringW = std::wstring;
