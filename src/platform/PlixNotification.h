@@ -1,0 +1,7 @@
+#pragma once
+
+#include "platform/ComPointers.h"
+
+// The maker's notification component, whose presence the handlers ask for before they show anything. The interface is
+// only held, never called. On failure the slot is null and the failing step's code is returned.
+[[nodiscard]] HRESULT CreatePlixNotification(IUnknownPtr& spNotification);

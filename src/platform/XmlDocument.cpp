@@ -1,0 +1,61 @@
+#include "platform/XmlDocument.h"
+
+namespace
+{
+constexpr CLSID g_domDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
+}
+
+HRESULT XmlDocument::Load(BSTR text)
+{
+    m_spDocument = nullptr;
+    HRESULT hr = CreateDocument();
+    if (m_dwReady != 0 && SUCCEEDED(hr))
+        hr = Parse(text);
+    RefreshText();
+    return hr;
+}
+
+HRESULT XmlDocument::CreateDocument()
+{
+    m_spDocument = nullptr;
+    m_dwReady = 0;
+    HRESULT hr = CoCreateInstance(g_domDocument30, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument),
+                                  reinterpret_cast<void**>(&m_spDocument));
+    if (SUCCEEDED(hr))
+        hr = Configure();
+    if (FAILED(hr))
+        return hr;
+    m_dwReady = 1;
+    return S_OK;
+}
+
+HRESULT XmlDocument::Configure()
+{
+    HRESULT hr = m_spDocument->put_async(VARIANT_FALSE);
+    if (SUCCEEDED(hr))
+        hr = m_spDocument->put_validateOnParse(VARIANT_FALSE);
+    if (SUCCEEDED(hr))
+        hr = m_spDocument->put_resolveExternals(VARIANT_FALSE);
+    if (SUCCEEDED(hr))
+        hr = m_spDocument->put_preserveWhiteSpace(VARIANT_TRUE);
+    return hr;
+}
+
+HRESULT XmlDocument::Parse(BSTR text)
+{
+    VARIANT_BOOL parsed = VARIANT_FALSE;
+    const HRESULT hr = m_spDocument->loadXML(text, &parsed);
+    if (FAILED(hr))
+        return hr;
+    return parsed != VARIANT_FALSE ? S_OK : E_FAIL;
+}
+
+void XmlDocument::RefreshText()
+{
+    m_strText = _bstr_t();
+    if (!m_spDocument)
+        return;
+    BSTR text = nullptr;
+    if (SUCCEEDED(m_spDocument->get_xml(&text)))
+        m_strText = _bstr_t(text, false);
+}
