@@ -1,0 +1,47 @@
+#include "app/MainWindow.h"
+#include "app/ProcessInstances.h"
+#include "app/StartUp.h"
+#include "app/system/IconPath.h"
+#include "app/system/ImageState.h"
+#include "app/system/OsVersion.h"
+#include "res/Resource.h"
+#include "shared/FunctionName.h"
+#include "shared/Log.h"
+
+#include <objbase.h>
+#include <windows.h>
+
+// Exit codes: 0 the window could not be created, 1 another copy runs in this session, else the code of WM_QUIT.
+int APIENTRY wWinMain(HINSTANCE instance, HINSTANCE, LPWSTR, int)
+{
+    // Start-up goes on in spite of the message: administrators search their logs for it.
+    if (IsImageStillBuilding())
+        Orvik::Shared::Log(Orvik::Shared::Level::Verbose, ORVIK_FUNCTION, L"Image still building.  Exit app.");
+
+    LoadProcessNames(instance);
+    Orvik::Shared::UniqueHandle sessionMutex = TakeSessionMutex();
+    if (GetLastError() == ERROR_ALREADY_EXISTS)
+    {
+        // The handle is left to the system on this path.
+        static_cast<void>(sessionMutex.release());
+        return 1;
+    }
+
+    RegisterMainWindowClass(instance);
+    if (!InitInstance(instance))
+        return 0;
+    const HACCEL accelerators = LoadAcceleratorsW(instance, MAKEINTRESOURCEW(IDR_ORVIKNOTIFICATIONS));
+
+    // Registrations log their own failures; none of them stops start-up.
+    auto& hub = g_pWmiHandler.Create();
+    static_cast<void>(hub.RegisterSmartAdapterEvent(GetDefaultIconPath(L"Orvik.ico", IDI_DEFAULT)));
+    // Shows an adapter state that was there before the agent.
+    if (IsWindows8OrGreater())
+        hub.ProcessSmartAdapterEvent();
+    static_cast<void>(CoInitialize(nullptr));
+    static_cast<void>(hub.RegisterGPIOWMIEvent());
+
+    const int exitCode = RunMessageLoop(accelerators);
+    sessionMutex.reset();
+    return exitCode;
+}

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "wmievents/PlatformCommand.h"
+#include "wmievents/PublicWmiEvent.h"
+#include "wmievents/WmiEvent.h"
+
+#include <memory>
+
+namespace Notifications::OrvikWmiEvents
+{
+// One row of the hub's table of registrations.
+template <class Subscription, class Key, class Handler>
+struct EventRegistration
+{
+    // The hub's member that owns the subscription.
+    std::unique_ptr<Subscription>& m_pSubscription;
+    // Event number or class name.
+    Key m_key;
+    Handler m_pfnHandler;
+    // A platform command that must answer true first; null when nothing is asked.
+    const wchar_t* m_pSupportCommand;
+    // Set once the platform command object exists; null when the event has no say in it.
+    bool* m_pbShowPrivacyDialog;
+    Orvik::Shared::WideFormat<HRESULT> m_registerFailed;
+    Orvik::Shared::WideFormat<HRESULT> m_invalidCommand;
+    Orvik::Shared::WideFormat<HRESULT> m_otherFailure;
+};
+
+template <class Handler>
+HRESULT Subscribe(WmiEvent& event, int eventId, COrvikWmiEvents* hub, Handler handler)
+{
+    return event.Register(eventId, hub, handler);
+}
+
+inline HRESULT Subscribe(PublicWmiEvent& event, const wchar_t* eventClass, COrvikWmiEvents* hub,
+                         PublicEventCallbacks::WithParams handler)
+{
+    return event.RegisterEvent(eventClass, hub, handler);
+}
+
+// The steps of every registration, under the name of the operation whose trace is given. A former subscription in the
+// row's member is destroyed without being unregistered; one whose registration fails stays there.
+template <class Subscription, class Key, class Handler>
+[[nodiscard]] HRESULT RegisterRow(const Orvik::Shared::TraceScope& trace, COrvikWmiEvents* hub,
+                                  const EventRegistration<Subscription, Key, Handler>& row)
+{
+    try
+    {
+        IPlixCommandPtr spCommand;
+        HRESULT hr = CreateCommand(trace, spCommand);
+        if (FAILED(hr) || !spCommand)
+            return hr;
+        if (row.m_pbShowPrivacyDialog != nullptr)
+            *row.m_pbShowPrivacyDialog = true;
+        if (row.m_pSupportCommand != nullptr && !IsTrue(SendCommand(spCommand, row.m_pSupportCommand)))
+            return hr;
+
+        row.m_pSubscription = std::make_unique<Subscription>();
+        hr = Subscribe(*row.m_pSubscription, row.m_key, hub, row.m_pfnHandler);
+        if (FAILED(hr))
+            trace.Verbose(row.m_registerFailed, hr);
+        return hr;
+    }
+    catch (const _com_error& error)
+    {
+        return LogCommandFailure(trace, error, row.m_invalidCommand, row.m_otherFailure);
+    }
+}
+} // namespace Notifications::OrvikWmiEvents

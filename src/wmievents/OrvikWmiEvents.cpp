@@ -1,0 +1,54 @@
+#include "wmievents/OrvikWmiEvents.h"
+
+#include "shared/TraceScope.h"
+#include "wmievents/WmiEventsState.h"
+
+#include <objbase.h>
+
+using Orvik::Shared::TraceScope;
+
+namespace Notifications::OrvikWmiEvents
+{
+namespace
+{
+// The result is in the subscription's own records; the next subscription is cancelled whatever it was.
+template <class Subscription>
+void UnregisterExisting(const std::unique_ptr<Subscription>& subscription)
+{
+    if (subscription)
+        static_cast<void>(subscription->Unregister());
+}
+} // namespace
+
+COrvikWmiEvents::COrvikWmiEvents()
+{
+    TraceScope trace(ORVIK_FUNCTION);
+    static_cast<void>(CoInitialize(nullptr));
+    m_strSmartAdapterHelperPath = GetSmartAdapterHelperPath();
+    InitializeCriticalSection(&g_csLogging);
+    InitializeCriticalSection(&g_csScan);
+    InitializeCriticalSection(&g_csCopy);
+}
+
+COrvikWmiEvents::~COrvikWmiEvents()
+{
+    TraceScope trace(ORVIK_FUNCTION);
+    UnregisterExisting(m_pSmartAdapterEvent);
+    UnregisterExisting(m_pPublicEvent);
+    CoUninitialize();
+    DeleteCriticalSection(&g_csLogging);
+    DeleteCriticalSection(&g_csScan);
+    DeleteCriticalSection(&g_csCopy);
+}
+
+std::wstring GetSmartAdapterHelperPath()
+{
+    wchar_t path[MAX_PATH]{};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    std::wstring folder(path, wcsnlen(path, MAX_PATH));
+    const std::size_t lastBackslash = folder.rfind(L'\\');
+    if (lastBackslash != std::wstring::npos)
+        folder.resize(lastBackslash);
+    return folder + L"\\orvikSmartAdapterHelp.exe";
+}
+} // namespace Notifications::OrvikWmiEvents

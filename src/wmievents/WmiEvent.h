@@ -1,0 +1,31 @@
+#pragma once
+
+#include "wmievents/WmiEventSink.h"
+#include "wmievents/WmiSubscription.h"
+
+namespace Notifications::OrvikWmiEvents
+{
+// The subscription to one firmware event number of the class orvikBEvnt. Belongs to the hub; main thread.
+class WmiEvent final : public WmiSubscription
+{
+public:
+    WmiEvent() = default;
+    ~WmiEvent();
+
+    // One of the two, once per object: a second call gives E_FAIL. A null callback gives E_INVALIDARG and changes
+    // nothing. The owner outlives the deliveries.
+    [[nodiscard]] HRESULT Register(int nEventID, COrvikWmiEvents* owner,
+                                   BiosEventCallbacks::WithParams callbackWithParams);
+    [[nodiscard]] HRESULT Register(int nEventID, COrvikWmiEvents* owner, BiosEventCallbacks::Plain callback);
+
+    // Cancels and releases what a registration reached, also a failed one.
+    [[nodiscard]] HRESULT Unregister();
+
+private:
+    [[nodiscard]] HRESULT RegisterWMIEvent(int nEventID);
+    [[nodiscard]] bool HasCallback() const override;
+    [[nodiscard]] IWbemObjectSink* CreateSink() const override;
+
+    BiosEventCallbacks m_callbacks;
+};
+} // namespace Notifications::OrvikWmiEvents
