@@ -34,7 +34,7 @@ HRESULT CallPlan::Decide(std::string_view call)
     return decision;
 }
 
-HRESULT CallPlan::Enter(std::string_view call, nlohmann::json details)
+HRESULT CallPlan::Enter(std::string_view call, nlohmann::json details, std::string_view kind)
 {
     DWORD delay = 0;
     bool hangs = false;
@@ -50,7 +50,7 @@ HRESULT CallPlan::Enter(std::string_view call, nlohmann::json details)
     }
     if (FAILED(hr))
         details["planned-failure"] = static_cast<std::uint32_t>(hr);
-    Journal::Instance().Append("call", call, std::move(details));
+    Journal::Instance().Append(kind, call, std::move(details));
     if (delay != 0)
         Sleep(delay);
     if (hangs)

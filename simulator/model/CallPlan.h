@@ -28,9 +28,11 @@ class CallPlan
 public:
     static CallPlan& Instance();
 
-    // Journals the call (kind "call"), waits as the plan says, and returns S_OK or the failure that the call must give.
+    // Journals the call, waits as the plan says, and returns S_OK or the failure that the call must give.
     // A failure that is not an HRESULT in the real interface (a Win32 error, a BOOL) is translated by the caller.
-    [[nodiscard]] HRESULT Enter(std::string_view call, nlohmann::json details = nlohmann::json::object());
+    // kind: the journal's; "com" keeps what COM itself calls on the product's behalf out of the list of "call"s.
+    [[nodiscard]] HRESULT Enter(std::string_view call, nlohmann::json details = nlohmann::json::object(),
+                                std::string_view kind = "call");
 
     // The n-th call of that name from now on (1 = the next) fails; with Always, every one from the n-th on.
     void Fail(std::string_view call, HRESULT hr, unsigned nth = 1, Repeat repeat = Repeat::Once);

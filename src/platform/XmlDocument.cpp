@@ -9,7 +9,7 @@ HRESULT XmlDocument::Load(BSTR text)
 {
     m_spDocument = nullptr;
     HRESULT hr = CreateDocument();
-    if (m_dwReady != 0 && SUCCEEDED(hr))
+    if (SUCCEEDED(hr))
         hr = Parse(text);
     RefreshText();
     return hr;
@@ -17,9 +17,8 @@ HRESULT XmlDocument::Load(BSTR text)
 
 HRESULT XmlDocument::CreateDocument()
 {
-    m_spDocument = nullptr;
     m_dwReady = 0;
-    HRESULT hr = CoCreateInstance(g_domDocument30, nullptr, CLSCTX_INPROC_SERVER, __uuidof(IXMLDOMDocument),
+    HRESULT hr = CoCreateInstance(g_domDocument30, nullptr, CLSCTX_INPROC_SERVER, g_xmlDomDocument,
                                   reinterpret_cast<void**>(&m_spDocument));
     if (SUCCEEDED(hr))
         hr = Configure();

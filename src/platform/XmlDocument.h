@@ -3,7 +3,8 @@
 #include <comdef.h>
 #include <msxml2.h>
 
-_COM_SMARTPTR_TYPEDEF(IXMLDOMDocument, __uuidof(IXMLDOMDocument));
+inline constexpr IID g_xmlDomDocument = {0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
+_COM_SMARTPTR_TYPEDEF(IXMLDOMDocument, g_xmlDomDocument);
 
 // One XML text, parsed by MSXML 3.0; callers walk the document themselves. Blanks between elements are kept as text
 // nodes, nothing outside the text is ever loaded. Belongs to one thread, which has initialised COM.
@@ -17,6 +18,9 @@ public:
     // Null when no document could be created. The holder keeps its reference: who outlives it takes one of his own.
     [[nodiscard]] IXMLDOMDocument* GetDocument() const noexcept { return m_spDocument; }
 
+    // Whether a document was created and took its settings; a text that does not parse changes nothing in that.
+    [[nodiscard]] bool IsReady() const noexcept { return m_dwReady != 0; }
+
     // The document as the parser wrote it back after the last Load; a null BSTR when there is none.
     [[nodiscard]] const _bstr_t& Text() const noexcept { return m_strText; }
 
@@ -28,5 +32,5 @@ private:
 
     _bstr_t m_strText;
     IXMLDOMDocumentPtr m_spDocument;
-    DWORD m_dwReady = 0; // 1 once the document has been created and configured
+    DWORD m_dwReady = 0;
 };

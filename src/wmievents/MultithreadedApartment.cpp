@@ -28,11 +28,6 @@ MultithreadedApartment& MultithreadedApartment::Instance()
     return *instance;
 }
 
-MultithreadedApartment::MultithreadedApartment()
-{
-    InitializeCriticalSection(&m_cs);
-}
-
 HRESULT MultithreadedApartment::Run(const std::function<HRESULT()>& work)
 {
     const Orvik::Shared::CriticalSectionLock lock(m_cs);

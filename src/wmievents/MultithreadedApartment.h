@@ -25,13 +25,13 @@ public:
     [[nodiscard]] HRESULT Run(const std::function<HRESULT()>& work);
 
 private:
-    MultithreadedApartment();
+    MultithreadedApartment() = default;
 
     static DWORD WINAPI ThreadRoutine(void* apartment);
     HRESULT Start();
     void Serve();
 
-    CRITICAL_SECTION m_cs; // one caller at a time
+    Orvik::Shared::CriticalSection m_cs; // one caller at a time
     Orvik::Shared::UniqueHandle m_hRequested;
     Orvik::Shared::UniqueHandle m_hDone;
     Orvik::Shared::UniqueHandle m_hThread;
