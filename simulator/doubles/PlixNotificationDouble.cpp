@@ -1,0 +1,6 @@
+#include "simulator/doubles/PlixNotificationDouble.h"
+
+namespace Simulator
+{
+PlixNotificationDouble::PlixNotificationDouble() : ComDouble("PlixNotification") {}
+} // namespace Simulator
