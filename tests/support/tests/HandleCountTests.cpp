@@ -1,0 +1,33 @@
+#include "tests/support/HandleCount.h"
+
+#include "shared/OwnerTypes.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+using namespace Orvik::Shared;
+using TestSupport::OpenHandleCount;
+
+TEST(HandleCount, KernelObjectsOfEveryKind_Count)
+{
+    const unsigned before = OpenHandleCount();
+    EXPECT_GT(before, 0u);
+    {
+        const UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+        const UniqueHandle mutex(CreateMutexW(nullptr, FALSE, nullptr));
+        const UniqueHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, GetCurrentProcessId()));
+        UniqueRegKey key;
+        EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, L"Software", 0, KEY_READ, ReceiveInto(key)), ERROR_SUCCESS);
+        EXPECT_EQ(OpenHandleCount(), before + 4);
+    }
+    EXPECT_EQ(OpenHandleCount(), before);
+}
+
+TEST(HandleCount, Counting_OpensNothing)
+{
+    const unsigned before = OpenHandleCount();
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(OpenHandleCount(), before);
+}
+} // namespace
