@@ -1,0 +1,184 @@
+#include "shared/LogLevel.h"
+#include "simulator/doubles/WmiEventSource.h"
+#include "simulator/model/Facts.h"
+#include "simulator/model/LiveObjects.h"
+#include "simulator/redirect/ImportRedirection.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/PolicyKey.h"
+#include "tests/wmievents/FailingBstr.h"
+#include "tests/wmievents/MachineTest.h"
+
+#include <comdef.h>
+
+#include <gmock/gmock.h>
+
+using Simulator::CallPlan;
+using Simulator::Facts;
+using Simulator::LiveObjects;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using TestSupport::Logged;
+using TestSupport::LogLines;
+namespace Level = Orvik::Shared::Level;
+
+namespace Tests
+{
+namespace
+{
+constexpr HRESULT g_hrInvalidCommand = static_cast<HRESULT>(0x80000003);
+
+struct SmartAdapterRow
+{
+    static constexpr const char* Operation =
+        "Notifications::OrvikWmiEvents::COrvikWmiEvents::RegisterSmartAdapterEvent";
+    static constexpr const char* Query = "SELECT * FROM orvikBEvnt WHERE EventID = 3";
+    static constexpr const wchar_t* RegisterFailed = L"Failed to register for smart adapter event, [hr:0x80041003]";
+    static constexpr const wchar_t* InvalidCommand = L"Invalid Command SmartAdapter.Supported. hr = 0x80000003";
+    static constexpr const wchar_t* OtherFailure =
+        L"Exception occurred when calling SmartAdapter.Supported, [hr:0x8007000E]";
+    // The name of the command is allocated first.
+    static constexpr unsigned FirstTextOfSubscription = 2;
+
+    static HRESULT Register(HubProbe& hub) { return hub.RegisterSmartAdapterEvent(L"C:\\Orvik.ico"); }
+};
+
+struct GpioRow
+{
+    static constexpr const char* Operation = "Notifications::OrvikWmiEvents::COrvikWmiEvents::RegisterGPIOWMIEvent";
+    static constexpr const char* Query = "SELECT * FROM OrvikBIOS_BIOSEvent";
+    static constexpr const wchar_t* RegisterFailed = L"Failed to register for GPIO event, [hr:0x80041003]";
+    static constexpr const wchar_t* InvalidCommand = L"Invalid Command to register for GPIO. hr = 0x80000003";
+    static constexpr const wchar_t* OtherFailure =
+        L"Exception occurred when calling register for GPIO, [hr:0x8007000E]";
+    static constexpr unsigned FirstTextOfSubscription = 1;
+
+    static HRESULT Register(HubProbe& hub) { return hub.RegisterGPIOWMIEvent(); }
+};
+// No step of a subscription raises this code by itself: a call on the way does it here.
+HRESULT WINAPI RaiseInvalidCommand(IUnknown*, DWORD, DWORD, OLECHAR*, DWORD, DWORD, RPC_AUTH_IDENTITY_HANDLE, DWORD)
+{
+    _com_issue_error(g_hrInvalidCommand);
+    return E_UNEXPECTED;
+}
+} // namespace
+
+template <class Row>
+class RegistrationTest : public HubTest
+{
+protected:
+    HRESULT Register() { return Row::Register(m_hub); }
+};
+
+using Rows = testing::Types<SmartAdapterRow, GpioRow>;
+TYPED_TEST_SUITE(RegistrationTest, Rows);
+
+TYPED_TEST(RegistrationTest, Works_SubscribesAndTraces)
+{
+    ASSERT_EQ(this->Register(), S_OK);
+    EXPECT_EQ(this->Details("IWbemServices::ExecNotificationQueryAsync")["query"], TypeParam::Query);
+    EXPECT_THAT(LogLines(TypeParam::Operation), ElementsAre(L"TraceIn|", L"TraceOut|hr: 0x00000000"));
+    EXPECT_EQ(Simulator::WmiEventSource::SubscriptionCount(), 1u);
+    EXPECT_EQ(LiveObjects::Count("PlixCommand"), 0);
+}
+
+TYPED_TEST(RegistrationTest, NoPlatformLibrary_NoSubscriptionAndTheCreationsResult)
+{
+    Facts::Instance().Set("/platform/registered", false);
+    EXPECT_EQ(this->Register(), REGDB_E_CLASSNOTREG);
+    EXPECT_THAT(LogLines(TypeParam::Operation),
+                ElementsAre(L"TraceIn|", L"Information|Create Plix instance cmd failed.  HR=0X80040154",
+                            L"TraceOut|hr: 0x80040154"));
+    EXPECT_FALSE(this->WasCalled("IWbemLocator::ConnectServer"));
+}
+
+TYPED_TEST(RegistrationTest, SubscriptionRefused_LogsAndReturnsTheCode)
+{
+    CallPlan::Instance().Fail("IWbemServices::ExecNotificationQueryAsync", Hr(WBEM_E_ACCESS_DENIED));
+    EXPECT_EQ(this->Register(), Hr(WBEM_E_ACCESS_DENIED));
+    EXPECT_TRUE(Logged(Level::Verbose, TypeParam::Operation, TypeParam::RegisterFailed));
+    EXPECT_TRUE(Logged(Level::TraceOut, TypeParam::Operation, L"hr: 0x80041003"));
+    // The half-set subscription stays where it is.
+    EXPECT_EQ(LiveObjects::Count("UnsecuredApartmentStub"), 1);
+}
+
+TYPED_TEST(RegistrationTest, TextOfTheSubscriptionCannotBeAllocated_IsCaughtAndLogged)
+{
+    const FailingBstr noMemory(TypeParam::FirstTextOfSubscription);
+    EXPECT_EQ(this->Register(), E_OUTOFMEMORY);
+    EXPECT_TRUE(Logged(Level::Information, TypeParam::Operation, TypeParam::OtherFailure));
+    EXPECT_TRUE(Logged(Level::TraceOut, TypeParam::Operation, L"hr: 0x8007000E"));
+    EXPECT_FALSE(this->WasCalled("IWbemLocator::ConnectServer"));
+}
+
+TYPED_TEST(RegistrationTest, Again_ReplacesTheOldSubscriptionWithoutUnregisteringIt)
+{
+    ASSERT_EQ(this->Register(), S_OK);
+    ASSERT_EQ(this->Register(), S_OK);
+    EXPECT_FALSE(this->WasCalled("IWbemServices::CancelAsyncCall"));
+    EXPECT_EQ(Simulator::WmiEventSource::SubscriptionCount(), 2u);
+}
+
+using SmartAdapterRegistrationTest = HubTest;
+
+TEST_F(SmartAdapterRegistrationTest, AsksWhetherTheAdapterIsSupportedBeforeWmi)
+{
+    ASSERT_EQ(SmartAdapterRow::Register(m_hub), S_OK);
+    EXPECT_THAT(Commands(), ElementsAre("SmartAdapter.Supported"));
+    const auto calls = Calls();
+    EXPECT_LT(std::find(calls.begin(), calls.end(), "IPlixCommand::Execute"),
+              std::find(calls.begin(), calls.end(), "IWbemLocator::ConnectServer"));
+}
+
+TEST_F(SmartAdapterRegistrationTest, NotSupported_IsTheCommandsOwnResultAndNoSubscription)
+{
+    for (const nlohmann::json& answer : std::vector<nlohmann::json>{
+             {{"bool", false}}, {{"i4", 1}}, {{"bstr", "true"}}, {{"empty", true}}, {{"null-bstr", true}}})
+    {
+        Answer("SmartAdapter.Supported", answer);
+        EXPECT_EQ(SmartAdapterRow::Register(m_hub), S_OK) << answer;
+    }
+    EXPECT_EQ(Simulator::WmiEventSource::SubscriptionCount(), 0u);
+    EXPECT_FALSE(WasCalled("IWbemLocator::ConnectServer"));
+    EXPECT_THAT(TestSupport::OperationalLines(), IsEmpty());
+}
+
+TEST_F(SmartAdapterRegistrationTest, CommandUnknown_LogsInvalidCommandAndReturnsTheCode)
+{
+    Fail("SmartAdapter.Supported", g_hrInvalidCommand);
+    EXPECT_EQ(SmartAdapterRow::Register(m_hub), g_hrInvalidCommand);
+    EXPECT_TRUE(Logged(Level::Information, SmartAdapterRow::Operation, SmartAdapterRow::InvalidCommand));
+    EXPECT_FALSE(WasCalled("IWbemLocator::ConnectServer"));
+}
+
+TEST_F(SmartAdapterRegistrationTest, CommandFailsOtherwise_LogsException)
+{
+    Fail("SmartAdapter.Supported", E_INVALIDARG);
+    EXPECT_EQ(SmartAdapterRow::Register(m_hub), E_INVALIDARG);
+    EXPECT_TRUE(Logged(Level::Information, SmartAdapterRow::Operation,
+                       L"Exception occurred when calling SmartAdapter.Supported, [hr:0x80070057]"));
+}
+
+TEST_F(SmartAdapterRegistrationTest, CommandFails_OtherRegistrationIsUnaffected)
+{
+    Fail("SmartAdapter.Supported", E_FAIL);
+    EXPECT_EQ(SmartAdapterRow::Register(m_hub), E_FAIL);
+    EXPECT_EQ(GpioRow::Register(m_hub), S_OK);
+    EXPECT_EQ(Simulator::WmiEventSource::SubscriptionCount(), 1u);
+}
+
+using GpioRegistrationTest = HubTest;
+
+TEST_F(GpioRegistrationTest, SendsNoCommand)
+{
+    ASSERT_EQ(GpioRow::Register(m_hub), S_OK);
+    EXPECT_THAT(Commands(), IsEmpty());
+}
+
+TEST_F(GpioRegistrationTest, InvalidCommandCodeIsRaised_HasItsOwnText)
+{
+    const Simulator::Redirection<decltype(CoSetProxyBlanket)> raising("CoSetProxyBlanket", &RaiseInvalidCommand);
+    EXPECT_EQ(GpioRow::Register(m_hub), g_hrInvalidCommand);
+    EXPECT_TRUE(Logged(Level::Information, GpioRow::Operation, GpioRow::InvalidCommand));
+    EXPECT_TRUE(Logged(Level::TraceOut, GpioRow::Operation, L"hr: 0x80000003"));
+}
+} // namespace Tests
