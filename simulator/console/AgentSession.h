@@ -1,0 +1,34 @@
+#pragma once
+
+#include "simulator/console/AgentProcess.h"
+#include "simulator/console/ChannelServer.h"
+#include "simulator/console/Options.h"
+
+namespace Simulator
+{
+// One running agent and the line to the machine inside it.
+class AgentSession
+{
+public:
+    // Starts the agent with these facts; its entries arrive in the log. Throws UsageError.
+    AgentSession(EntryLog& entries, const Options& options, const nlohmann::json& facts,
+                 EnvironmentChanges environment);
+
+    // Sends a command and returns its number; Answer gives what the machine answered to it.
+    int Send(nlohmann::json command);
+    // Waits for the answer. Throws StepFailure when none comes in time, when the agent ends meanwhile, or when the
+    // machine could not do it.
+    nlohmann::json Answer(int id, std::chrono::milliseconds limit);
+
+    // Whether the entry is this agent's, of kind "agent" and that subject: "ready", "ended".
+    [[nodiscard]] bool IsOwn(const Entry& entry, const char* subject) const;
+    [[nodiscard]] AgentProcess& Process() noexcept { return *m_pProcess; }
+
+private:
+    EntryLog& m_entries;
+    std::size_t m_nFirstEntry;
+    ChannelServer m_channel;
+    std::unique_ptr<AgentProcess> m_pProcess; // ends before the channel that reads from it
+    int m_nLastId = 0;
+};
+} // namespace Simulator

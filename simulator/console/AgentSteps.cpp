@@ -1,0 +1,60 @@
+#include "simulator/console/Step.h"
+
+#include <windows.h>
+
+namespace Simulator
+{
+namespace
+{
+// {} or {"exit-code": number}: the agent is to end by itself.
+std::function<void(ScenarioRun&)> ReadStart(const nlohmann::json& value, const std::string& place)
+{
+    ObjectReader reader(value, place);
+    std::optional<DWORD> exitCode;
+    if (reader.Find("exit-code") != nullptr)
+        exitCode = reader.Get<DWORD>("exit-code");
+    reader.Finish();
+    return [exitCode](ScenarioRun& run) { run.Start(exitCode); };
+}
+
+// {"exit-code": 0, "message": WM_CLOSE}
+std::function<void(ScenarioRun&)> ReadStop(const nlohmann::json& value, const std::string& place)
+{
+    ObjectReader reader(value, place);
+    const auto message = reader.Get<unsigned>("message", WM_CLOSE);
+    const auto exitCode = reader.Get<DWORD>("exit-code", 0);
+    reader.Finish();
+    return [=](ScenarioRun& run) { run.Stop(message, exitCode); };
+}
+
+// {"exit-code": 1}
+std::function<void(ScenarioRun&)> ReadSecondCopy(const nlohmann::json& value, const std::string& place)
+{
+    ObjectReader reader(value, place);
+    const auto exitCode = reader.Get<DWORD>("exit-code", 1);
+    reader.Finish();
+    return [=](ScenarioRun& run) { run.RunSecondCopy(exitCode); };
+}
+
+// {"message": number, "wparam": number, "lparam": number} to the main window.
+std::function<void(ScenarioRun&)> ReadMessage(const nlohmann::json& value, const std::string& place)
+{
+    ObjectReader reader(value, place);
+    const nlohmann::json command = {{"command", "message"},
+                                    {"message", reader.Get<unsigned>("message")},
+                                    {"wparam", reader.Get<std::uint64_t>("wparam", 0)},
+                                    {"lparam", reader.Get<std::int64_t>("lparam", 0)}};
+    reader.Finish();
+    return [command](ScenarioRun& run)
+    {
+        run.Mark();
+        run.Command(command);
+    };
+}
+} // namespace
+
+std::vector<StepKind> AgentSteps()
+{
+    return {{"start", &ReadStart}, {"stop", &ReadStop}, {"second-copy", &ReadSecondCopy}, {"message", &ReadMessage}};
+}
+} // namespace Simulator

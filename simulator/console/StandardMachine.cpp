@@ -1,0 +1,62 @@
+#include "simulator/console/StandardMachine.h"
+
+#include "simulator/console/FileState.h"
+#include "simulator/console/RegistryValue.h"
+
+#include <windows.h>
+
+namespace Simulator
+{
+namespace
+{
+constexpr char g_standardFacts[] = R"({
+    "commands": {
+        "SmartAdapter.Supported": {"answer": {"bool": true}},
+        "SmartAdapter.Status": {"answer": {"i4": 1}},
+        "F10Setting.WMIEvents.Enabled": {"answer": {"bool": true}},
+        "Platform.MachineID": {"answer": {"bstr": "8A11"}},
+        "Platform.USBC.Supported": {"answer": {"bool": false}}
+    },
+    "toasts": {"timeout-ms": 0},
+    "clock": {"factor": 100}
+})";
+
+constexpr const wchar_t* g_registryKeys[] = {
+    L"SOFTWARE\\Policies\\Orvik",
+    L"SOFTWARE\\Policies\\Brannock-Vale",
+    L"SOFTWARE\\Wow6432Node\\Policies\\Orvik",
+    L"SOFTWARE\\Wow6432Node\\Policies\\Brannock-Vale",
+    L"SOFTWARE\\Orvik",
+    L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Setup\\State",
+};
+
+// A new folder of the user, under the variable by which programs find it.
+void MakeUserFolder(const std::filesystem::path& folder, const wchar_t* variable)
+{
+    Apply(FileState{.m_strPath = folder.native(), .m_strText = "", .m_bFolder = true, .m_bRemove = false});
+    SetEnvironmentVariableW(variable, folder.c_str());
+}
+} // namespace
+
+const nlohmann::json& StandardFacts()
+{
+    static const nlohmann::json facts = nlohmann::json::parse(g_standardFacts);
+    return facts;
+}
+
+void ResetMachine(const std::filesystem::path& out)
+{
+    for (const wchar_t* key : g_registryKeys)
+    {
+        RegistryValue remove;
+        remove.m_strKey = key;
+        remove.m_bRemoveKey = true;
+        Apply(remove);
+    }
+    Apply(FileState{.m_strPath = out.native(), .m_strText = "", .m_bFolder = false, .m_bRemove = true});
+    MakeUserFolder(out / L"temp", L"TEMP");
+    MakeUserFolder(out / L"temp", L"TMP");
+    MakeUserFolder(out / L"appdata", L"APPDATA");
+    MakeUserFolder(out / L"appdata" / L"Microsoft\\Windows\\Start Menu\\Programs", L"ORVIK_SIM_PROGRAMS");
+}
+} // namespace Simulator

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+namespace Simulator
+{
+// The facts of a machine on which everything works: all platform commands answer, the adapter's status is 1, which
+// nobody is told about. A scenario overlays its own.
+[[nodiscard]] const nlohmann::json& StandardFacts();
+
+// Takes back whatever an earlier scenario or agent left in the registry, empties the folder of this scenario's output,
+// and makes the user's folders anew inside it: %TEMP%, %APPDATA% and, in this, %ORVIK_SIM_PROGRAMS%, the programs of
+// the start menu. The machine must be a prepared one. Throws StepFailure.
+void ResetMachine(const std::filesystem::path& out);
+} // namespace Simulator
