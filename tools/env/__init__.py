@@ -1,0 +1,1 @@
+"""What tools/testenv is made of: Wine, its prefixes, displays, and the processes that were started."""
