@@ -21,6 +21,6 @@ int APIENTRY wWinMain(HINSTANCE instance, HINSTANCE, LPWSTR, int)
     }
     const int exitCode = RunHiddenWindow(instance, L"ORVIKCOMPROGRAM");
     CoUninitialize();
-    DeregisterEventSource(eventSource); // NOCHECK(owner): the baseline is a bare program on purpose
+    DeregisterEventSource(eventSource); // NOCHECK(raw-release): the baseline is a bare program on purpose
     return exitCode;
 }

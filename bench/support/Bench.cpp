@@ -33,6 +33,14 @@ double Nanoseconds(Subject subject, std::size_t times)
     return static_cast<double>(end.QuadPart - start.QuadPart) * scale;
 }
 
+double FastestOf(int slices, Subject subject, std::size_t times)
+{
+    double fastest = std::numeric_limits<double>::max();
+    for (int slice = 0; slice < slices; ++slice)
+        fastest = std::min(fastest, Nanoseconds(subject, times));
+    return fastest;
+}
+
 double Median(std::vector<double> values)
 {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
@@ -68,7 +76,7 @@ void Comparison::Number(std::string description, double value, double limit)
 
 void Comparison::Calibrate(Timed& timed) const
 {
-    while (Nanoseconds(timed.m_pfnSubject, timed.m_nTimes) < g_sliceNanoseconds)
+    while (FastestOf(g_slices, timed.m_pfnSubject, timed.m_nTimes) < g_sliceNanoseconds)
         timed.m_nTimes *= 2;
 }
 
@@ -78,9 +86,7 @@ void Comparison::MeasureRounds()
     {
         for (Timed& timed : m_lstTimed)
         {
-            double fastest = std::numeric_limits<double>::max();
-            for (int slice = 0; slice < g_slices; ++slice)
-                fastest = std::min(fastest, Nanoseconds(timed.m_pfnSubject, timed.m_nTimes));
+            const double fastest = FastestOf(g_slices, timed.m_pfnSubject, timed.m_nTimes);
             timed.m_lstNanoseconds.push_back(fastest / static_cast<double>(timed.m_nTimes));
         }
     }

@@ -46,7 +46,7 @@ HANDLE AgentsJob()
     return job;
 }
 
-// Where the machine's start function lies behind the beginning of the DLL.
+// Where the machine's start function lies behind the beginning of the DLL, which stays mapped for the next agent.
 std::uintptr_t StartFunctionOffset(const std::filesystem::path& machine)
 {
     const HMODULE module = LoadLibraryExW(machine.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
@@ -54,7 +54,6 @@ std::uintptr_t StartFunctionOffset(const std::filesystem::path& machine)
         throw UsageError(Narrow(machine.native()) + ": " + WindowsFailure("LoadLibraryExW", GetLastError()));
     const FARPROC function = GetProcAddress(module, Protocol::StartFunctionName);
     const std::uintptr_t offset = reinterpret_cast<std::uintptr_t>(function) - reinterpret_cast<std::uintptr_t>(module);
-    FreeLibrary(module);
     if (function == nullptr)
         throw UsageError(Narrow(machine.native()) + " is not the simulated machine");
     return offset;

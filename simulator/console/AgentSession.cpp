@@ -39,6 +39,14 @@ bool AgentSession::IsOwn(const Entry& entry, const char* subject) const
 
 nlohmann::json AgentSession::Answer(int id, std::chrono::milliseconds limit)
 {
+    std::optional<nlohmann::json> answer = AnswerOrEnd(id, limit);
+    if (!answer)
+        throw StepFailure("the agent ended unexpectedly");
+    return *std::move(answer);
+}
+
+std::optional<nlohmann::json> AgentSession::AnswerOrEnd(int id, std::chrono::milliseconds limit)
+{
     const auto isAnswer = [&](const Entry& entry)
     {
         return entry.m_nAgent == m_channel.Number() && entry.m_strKind == "machine" && entry.m_strSubject == "answer" &&
@@ -49,7 +57,7 @@ nlohmann::json AgentSession::Answer(int id, std::chrono::milliseconds limit)
     if (!entry)
         throw StepFailure("the agent did not return within " + std::to_string(limit.count()) + " ms");
     if (!isAnswer(*entry))
-        throw StepFailure("the agent ended unexpectedly");
+        return std::nullopt;
     if (!entry->m_details.value("ok", false))
         throw StepFailure(entry->m_details.value("error", "the machine could not do it"));
     return entry->m_details;

@@ -19,6 +19,8 @@ public:
     // Waits for the answer. Throws StepFailure when none comes in time, when the agent ends meanwhile, or when the
     // machine could not do it.
     nlohmann::json Answer(int id, std::chrono::milliseconds limit);
+    // The same for a command that may end the agent: nothing when it has ended before it answered.
+    std::optional<nlohmann::json> AnswerOrEnd(int id, std::chrono::milliseconds limit);
 
     // Whether the entry is this agent's, of kind "agent" and that subject: "ready", "ended".
     [[nodiscard]] bool IsOwn(const Entry& entry, const char* subject) const;

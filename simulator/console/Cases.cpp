@@ -29,7 +29,20 @@ void Substitute(nlohmann::json& document, const nlohmann::json& values, const st
 {
     if (document.is_string())
         document = Substituted(document.get<std::string>(), values, place);
-    else if (document.is_structured())
+    else if (document.is_object())
+    {
+        nlohmann::json substituted = nlohmann::json::object();
+        for (auto& [key, member] : document.items())
+        {
+            const nlohmann::json name = Substituted(key, values, place);
+            if (!name.is_string())
+                throw UsageError(place + ": the key \"" + key + "\" must become a text");
+            Substitute(member, values, place + "/" + key);
+            substituted[name.get<std::string>()] = std::move(member);
+        }
+        document = std::move(substituted);
+    }
+    else if (document.is_array())
     {
         for (const auto& [key, member] : document.items())
             Substitute(member, values, place + "/" + key);

@@ -10,18 +10,29 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <iostream>
 
 namespace Simulator
 {
 namespace
 {
+// Silence is an answer too: the agent has handled the event by now.
+void SayWhetherQuiet(ScenarioRun& run)
+{
+    const std::vector<Entry> entries = run.SinceMark();
+    if (std::none_of(entries.begin(), entries.end(), [](const Entry& entry) { return entry.m_strKind == "toast"; }))
+        run.Say("check", "no toast is shown");
+}
+
 void CarryOut(ScenarioRun& run, const std::string& line)
 {
     try
     {
         for (const nlohmann::json& step : StepsOfLine(line))
             ReadStep(step, "").m_action(run);
+        if (line.starts_with("status") || line.starts_with("event") || line.starts_with("bios"))
+            SayWhetherQuiet(run);
     }
     catch (const UsageError& fault)
     {

@@ -23,9 +23,8 @@ bool IsLink(HKEY key)
 void SeparatePolicyViews()
 {
     Orvik::Shared::UniqueRegKey link;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, g_key, REG_OPTION_OPEN_LINK, KEY_ALL_ACCESS,
-                      Orvik::Shared::ReceiveInto(link)) == ERROR_SUCCESS &&
-        IsLink(link.get()))
+    RegOpenKeyExW(HKEY_LOCAL_MACHINE, g_key, REG_OPTION_OPEN_LINK, KEY_ALL_ACCESS, Orvik::Shared::ReceiveInto(link));
+    if (link && IsLink(link.get()))
     {
         // RegDeleteKeyW would follow the link.
         using NtDeleteKeyFunction = NTSTATUS(NTAPI*)(HANDLE);

@@ -36,7 +36,7 @@ Scenario ReadScenario(const nlohmann::json& document)
     scenario.m_strTitle = reader.Get<std::string>("title");
     scenario.m_lstWindows = reader.Get<std::vector<std::string>>("windows", {});
     scenario.m_facts = StandardFacts();
-    scenario.m_facts.merge_patch(reader.Get<nlohmann::json>("facts", nlohmann::json::object()));
+    OverlayFacts(scenario.m_facts, reader.Get<nlohmann::json>("facts", nlohmann::json::object()));
     scenario.m_installed = CompleteMachine();
     if (const nlohmann::json* installed = reader.Find("installed"))
     {

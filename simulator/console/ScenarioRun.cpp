@@ -1,6 +1,7 @@
 #include "simulator/console/ScenarioRun.h"
 
 #include "simulator/console/Failure.h"
+#include "simulator/console/StandardMachine.h"
 
 namespace Simulator
 {
@@ -62,7 +63,8 @@ void ScenarioRun::Stop(unsigned message, DWORD exitCode)
 {
     Mark();
     Say("you", "ask the agent to end");
-    Command({{"command", "message"}, {"message", message}});
+    AgentSession& agent = Agent();
+    agent.AnswerOrEnd(agent.Send({{"command", "message"}, {"message", message}}), m_options.m_limit);
     CheckEnd(exitCode);
 }
 
@@ -82,7 +84,7 @@ void ScenarioRun::CheckEnd(DWORD exitCode)
 
 void ScenarioRun::MergeFacts(const nlohmann::json& facts)
 {
-    m_facts.merge_patch(facts);
+    OverlayFacts(m_facts, facts);
     if (m_pAgent)
         Command({{"command", "facts"}, {"merge", facts}});
 }

@@ -44,6 +44,14 @@ const nlohmann::json& StandardFacts()
     return facts;
 }
 
+void OverlayFacts(nlohmann::json& facts, const nlohmann::json& more)
+{
+    const nlohmann::json commands = more.value("commands", nlohmann::json::object());
+    for (const auto& [name, behaviour] : commands.items())
+        facts["commands"].erase(name);
+    facts.merge_patch(more);
+}
+
 void ResetMachine(const std::filesystem::path& out)
 {
     for (const wchar_t* key : g_registryKeys)

@@ -63,11 +63,17 @@ std::optional<Line> AgentLine(const Entry& entry)
 
 std::optional<Line> CallLine(const Entry& entry)
 {
-    if (!entry.m_details.contains("planned-failure"))
-        return std::nullopt;
-    char code[16] = {};
-    std::snprintf(code, sizeof(code), "0x%08X", entry.m_details["planned-failure"].get<unsigned>());
-    return Line{"windows", "lets " + entry.m_strSubject + " fail with " + code};
+    if (entry.m_details.contains("planned-failure"))
+    {
+        char code[16] = {};
+        std::snprintf(code, sizeof(code), "0x%08X", entry.m_details["planned-failure"].get<unsigned>());
+        return Line{"windows", "lets " + entry.m_strSubject + " fail with " + code};
+    }
+    if (entry.m_strSubject == "IPlixCommand::Execute" || entry.m_strSubject == "IPlixCommand::ExecuteWithInput")
+        return Line{"agent", "asks the platform for " + Quoted(entry.m_details.value("command", ""))};
+    if (entry.m_strSubject == "IWbemServices::ExecNotificationQueryAsync")
+        return Line{"agent", "subscribes to events: " + entry.m_details.value("query", "")};
+    return std::nullopt;
 }
 
 std::optional<Line> RecordLine(const Entry& entry, bool showLog)

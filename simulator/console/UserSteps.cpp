@@ -54,7 +54,7 @@ Action ReadPicture(const nlohmann::json& value, const std::string& place)
         std::filesystem::create_directories(folder);
         const std::filesystem::path file = folder / name;
         run.Command({{"command", "picture"}, {"number", 0}, {"file", Narrow(file.native())}});
-        run.Say("console", "a picture of the toast is in " + Narrow(file.native()));
+        run.Say("console", "takes a picture of the toast: " + Narrow(name));
     };
 }
 

@@ -4,6 +4,7 @@
 #include "simulator/doubles/JournalText.h"
 #include "simulator/doubles/RealFunctions.h"
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <string>
@@ -55,7 +56,7 @@ HRESULT SetArray(const Json& value, VARIANT& result)
     if (result.parray == nullptr)
         return E_OUTOFMEMORY;
     result.vt = static_cast<VARTYPE>(VT_ARRAY | type);
-    std::memcpy(result.parray->pvData, elements.data(), elements.size() * sizeof(Element));
+    std::copy(elements.begin(), elements.end(), static_cast<Element*>(result.parray->pvData));
     return S_OK;
 }
 

@@ -22,13 +22,16 @@ void PlanFailure(const nlohmann::json& rule)
 }
 } // namespace
 
-// {"merge": document} overlays, {"clear": true} forgets everything first.
+// {"merge": document} overlays.
 nlohmann::json SetFacts(const nlohmann::json& command)
 {
-    if (command.value("clear", false))
-        Facts::Instance().Clear();
-    if (command.contains("merge"))
-        Facts::Instance().Merge(command.at("merge"));
+    nlohmann::json facts = command.at("merge");
+    // A command's behaviour is replaced as a whole: one answer is not laid over another.
+    const nlohmann::json commands = facts.value("commands", nlohmann::json::object());
+    facts.erase("commands");
+    for (const auto& [name, behaviour] : commands.items())
+        Facts::Instance().Set("/commands/" + name, behaviour);
+    Facts::Instance().Merge(facts);
     return nlohmann::json::object();
 }
 

@@ -18,13 +18,10 @@ using UniqueGdiObject = std::unique_ptr<HGDIOBJ, GdiObjectDeleter>;
 class MemoryBitmap
 {
 public:
-    explicit MemoryBitmap(SIZE size) : m_hdc(CreateCompatibleDC(nullptr)), m_size(size)
+    explicit MemoryBitmap(SIZE size)
+        : m_hdc(CreateCompatibleDC(nullptr)), m_size(size), m_bitmap(MakeBitmap(m_hdc, size)),
+          m_before(SelectObject(m_hdc, m_bitmap.get()))
     {
-        BITMAPINFO info{};
-        info.bmiHeader = {sizeof(BITMAPINFOHEADER), size.cx, -size.cy, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-        void* bits = nullptr;
-        m_bitmap.reset(CreateDIBSection(m_hdc, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-        m_before = SelectObject(m_hdc, m_bitmap.get());
     }
     MemoryBitmap(const MemoryBitmap&) = delete;
     MemoryBitmap& operator=(const MemoryBitmap&) = delete;
@@ -39,9 +36,18 @@ public:
     [[nodiscard]] SIZE Size() const noexcept { return m_size; }
 
 private:
-    const HDC m_hdc;
+    static HBITMAP MakeBitmap(HDC context, SIZE size)
+    {
+        BITMAPINFO info{};
+        // A negative height: the first line is the top one.
+        info.bmiHeader = {sizeof(BITMAPINFOHEADER), size.cx, -size.cy, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+        void* bits = nullptr;
+        return CreateDIBSection(context, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    }
+
+    HDC m_hdc;
     const SIZE m_size;
     UniqueGdiObject m_bitmap;
-    HGDIOBJ m_before = nullptr;
+    HGDIOBJ m_before;
 };
 } // namespace Simulator

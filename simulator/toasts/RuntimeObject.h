@@ -108,13 +108,13 @@ private:
     }
 
     template <class First, class... Others>
-    void* Identity(InterfaceList<First, Others...>)
+    void* Identity(InterfaceList<First, Others...> /*list*/)
     {
         return static_cast<First*>(this);
     }
 
     template <class... Interfaces>
-    void* Find([[maybe_unused]] REFIID iid, InterfaceList<Interfaces...>)
+    void* Find([[maybe_unused]] REFIID iid, InterfaceList<Interfaces...> /*list*/)
     {
         void* found = nullptr;
         ((iid == __uuidof(Interfaces) ? static_cast<void>(found = static_cast<Interfaces*>(this)) : void()), ...);
@@ -122,7 +122,7 @@ private:
     }
 
     template <class... Interfaces>
-    static HRESULT CopyIids(ULONG& count, IID*& iids, InterfaceList<Interfaces...>)
+    static HRESULT CopyIids(ULONG& count, IID*& iids, InterfaceList<Interfaces...> /*list*/)
     {
         const IID all[] = {__uuidof(Interfaces)...};
         count = 0;

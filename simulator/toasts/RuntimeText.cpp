@@ -18,8 +18,7 @@ const StringFunctions& Functions()
     static const StringFunctions functions = []
     {
         StringFunctions found;
-        if (const HMODULE combase = LoadLibraryExW(L"combase.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-            combase != nullptr)
+        if (HMODULE combase = LoadLibraryExW(L"combase.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32); combase != nullptr)
         {
             const auto find = [combase](const char* name)
             { return reinterpret_cast<void*>(GetProcAddress(combase, name)); };

@@ -41,7 +41,7 @@ UniqueGdiObject FontFor(HDC context, const std::wstring& text, const TextStyle& 
     for (const wchar_t* face : g_faces)
     {
         UniqueGdiObject font = MakeFont(face, style);
-        const HGDIOBJ before = SelectObject(context, font.get());
+        HGDIOBJ before = SelectObject(context, font.get());
         const bool suits = HasAllCharacters(context, text);
         SelectObject(context, before);
         if (suits)
@@ -54,7 +54,7 @@ UniqueGdiObject FontFor(HDC context, const std::wstring& text, const TextStyle& 
 int PlaceText(HDC context, const std::wstring& text, const TextStyle& style, RECT area, int lines, bool draw)
 {
     const UniqueGdiObject font = FontFor(context, text, style);
-    const HGDIOBJ before = SelectObject(context, font.get());
+    HGDIOBJ before = SelectObject(context, font.get());
     TEXTMETRICW metrics{};
     GetTextMetricsW(context, &metrics);
 

@@ -51,7 +51,7 @@ HRESULT ToastNotification::get_Content(Abi::IXmlDocument** value)
     return hr;
 }
 
-HRESULT ToastNotification::put_ExpirationTime(IInspectable*)
+HRESULT ToastNotification::put_ExpirationTime(IInspectable* /*value*/)
 {
     const HRESULT hr = BeginCall("IToastNotification::put_ExpirationTime");
     return FAILED(hr) ? hr : E_NOTIMPL;

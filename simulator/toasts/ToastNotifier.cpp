@@ -39,13 +39,13 @@ HRESULT ToastNotifier::get_Setting(INT32* value)
     return S_OK;
 }
 
-HRESULT ToastNotifier::AddToSchedule(IInspectable*)
+HRESULT ToastNotifier::AddToSchedule(IInspectable* /*scheduledToast*/)
 {
     const HRESULT hr = BeginCall("IToastNotifier::AddToSchedule");
     return FAILED(hr) ? hr : E_NOTIMPL;
 }
 
-HRESULT ToastNotifier::RemoveFromSchedule(IInspectable*)
+HRESULT ToastNotifier::RemoveFromSchedule(IInspectable* /*scheduledToast*/)
 {
     const HRESULT hr = BeginCall("IToastNotifier::RemoveFromSchedule");
     return FAILED(hr) ? hr : E_NOTIMPL;

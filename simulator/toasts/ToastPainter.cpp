@@ -52,7 +52,7 @@ int LayOut(const ToastContent& content, HDC context, bool draw)
     int top = g_padding - 2;
     const auto place = [&](const std::wstring& text, const TextStyle& style, int right)
     {
-        RECT area = {left, top, right, top};
+        const RECT area = {left, top, right, top};
         top += PlaceText(context, text, style, area, g_maximumLines, draw);
     };
     for (std::size_t i = 0; i < content.m_lstTexts.size(); ++i)

@@ -20,8 +20,7 @@ const RuntimeFunctions& Real()
     static const RuntimeFunctions functions = []
     {
         RuntimeFunctions found;
-        if (const HMODULE combase = LoadLibraryExW(L"combase.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-            combase != nullptr)
+        if (HMODULE combase = LoadLibraryExW(L"combase.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32); combase != nullptr)
         {
             const auto find = [combase](const char* name)
             { return reinterpret_cast<void*>(GetProcAddress(combase, name)); };
@@ -81,7 +80,7 @@ HRESULT WINAPI CreateReference(LPCWSTR text, UINT32 length, HSTRING_HEADER* head
 
 ToastRedirections::ToastRedirections() : ToastRedirections(Prepare()) {}
 
-ToastRedirections::ToastRedirections(bool)
+ToastRedirections::ToastRedirections(bool /*prepared*/)
     : m_factory("RoGetActivationFactory", &GetFactory), m_createString("WindowsCreateString", &CreateString),
       m_createReference("WindowsCreateStringReference", &CreateReference)
 {

@@ -7,6 +7,7 @@
 #include "simulator/toasts/ToastWindow.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace Simulator
 {
@@ -30,7 +31,7 @@ struct ToastScreen::Request
 
     Kind m_kind;
     unsigned m_nNumber = 0;
-    std::wstring m_strPath{};
+    std::wstring m_strPath;
     RECT m_place{};
     HRESULT m_hr = E_FAIL;
 };
@@ -74,7 +75,7 @@ HRESULT ToastScreen::Ask(Request& request)
 
 void ToastScreen::Settle()
 {
-    Request request{Request::Kind::Settle};
+    Request request{Request::Kind::Settle, 0, {}};
     static_cast<void>(Ask(request));
 }
 
@@ -86,7 +87,7 @@ HRESULT ToastScreen::Picture(unsigned number, const std::wstring& path)
 
 HRESULT ToastScreen::Place(unsigned number, RECT& place)
 {
-    Request request{Request::Kind::Place, number};
+    Request request{Request::Kind::Place, number, {}};
     const HRESULT hr = Ask(request);
     place = request.m_place;
     return hr;
@@ -179,10 +180,10 @@ void ToastScreen::Stack()
     SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
     // The newest is nearest to the corner.
     int bottom = work.bottom - g_margin;
-    for (auto window = m_mapWindows.rbegin(); window != m_mapWindows.rend(); ++window)
+    for (const auto& [number, window] : std::ranges::reverse_view(m_mapWindows))
     {
-        const SIZE size = window->second->Size();
-        window->second->MoveTo(work.right - g_margin - size.cx, bottom - size.cy);
+        const SIZE size = window->Size();
+        window->MoveTo(work.right - g_margin - size.cx, bottom - size.cy);
         bottom -= size.cy + g_gap;
     }
 }

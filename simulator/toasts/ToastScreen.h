@@ -44,7 +44,7 @@ private:
     [[nodiscard]] HRESULT Ask(Request& request);
 
     std::mutex m_lock;
-    const HANDLE m_hReady; // manual-reset event, set when the controller exists
+    HANDLE m_hReady; // manual-reset event, set when the controller exists
     bool m_bStarted = false;
     HWND m_hwndController = nullptr;
     std::map<unsigned, std::unique_ptr<ToastWindow>> m_mapWindows; // by number; only the screen's thread

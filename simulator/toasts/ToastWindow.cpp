@@ -72,7 +72,7 @@ LRESULT CALLBACK ToastWindow::Procedure(HWND window, UINT message, WPARAM wParam
 void ToastWindow::Paint() const
 {
     PAINTSTRUCT paint{};
-    const HDC target = BeginPaint(m_hwnd, &paint);
+    HDC target = BeginPaint(m_hwnd, &paint);
     BitBlt(target, 0, 0, m_picture.Size().cx, m_picture.Size().cy, m_picture.Context(), 0, 0, SRCCOPY);
     EndPaint(m_hwnd, &paint);
 }

@@ -55,13 +55,13 @@ HRESULT XmlDocumentObject::CreateTextNode(HSTRING data, Abi::IXmlText** text)
     return MakeObject<XmlTextObject>(text, Other(&Tree().CreateText(RuntimeText::View(data))));
 }
 
-HRESULT XmlDocumentObject::CreateComment(HSTRING, IInspectable** comment)
+HRESULT XmlDocumentObject::CreateComment(HSTRING /*data*/, IInspectable** comment)
 {
     const HRESULT hr = BeginCall("IXmlDocument::CreateComment", comment);
     return FAILED(hr) ? hr : E_NOTIMPL;
 }
 
-HRESULT XmlDocumentObject::CreateProcessingInstruction(HSTRING, HSTRING, IInspectable** instruction)
+HRESULT XmlDocumentObject::CreateProcessingInstruction(HSTRING /*target*/, HSTRING /*data*/, IInspectable** instruction)
 {
     const HRESULT hr = BeginCall("IXmlDocument::CreateProcessingInstruction", instruction);
     return FAILED(hr) ? hr : E_NOTIMPL;
@@ -78,7 +78,7 @@ HRESULT XmlDocumentObject::CreateAttribute(HSTRING name, Abi::IXmlAttribute** at
     return MakeObject<XmlAttributeObject>(attribute, Other(&Tree().CreateAttribute(RuntimeText::View(name), {})));
 }
 
-HRESULT XmlDocumentObject::CreateEntityReference(HSTRING, IInspectable** reference)
+HRESULT XmlDocumentObject::CreateEntityReference(HSTRING /*name*/, IInspectable** reference)
 {
     const HRESULT hr = BeginCall("IXmlDocument::CreateEntityReference", reference);
     return FAILED(hr) ? hr : E_NOTIMPL;
@@ -94,7 +94,7 @@ HRESULT XmlDocumentObject::GetElementsByTagName(HSTRING name, Abi::IXmlNodeList*
                                          { return origin.Elements(tag); });
 }
 
-HRESULT XmlDocumentObject::CreateCDataSection(HSTRING, IInspectable** section)
+HRESULT XmlDocumentObject::CreateCDataSection(HSTRING /*data*/, IInspectable** section)
 {
     const HRESULT hr = BeginCall("IXmlDocument::CreateCDataSection", section);
     return FAILED(hr) ? hr : E_NOTIMPL;
@@ -106,19 +106,19 @@ HRESULT XmlDocumentObject::get_DocumentUri(HSTRING* value)
     return BeginCall("IXmlDocument::get_DocumentUri", value);
 }
 
-HRESULT XmlDocumentObject::CreateAttributeNS(IInspectable*, HSTRING, Abi::IXmlAttribute** attribute)
+HRESULT XmlDocumentObject::CreateAttributeNS(IInspectable* /*uri*/, HSTRING /*name*/, Abi::IXmlAttribute** attribute)
 {
     const HRESULT hr = BeginCall("IXmlDocument::CreateAttributeNS", attribute);
     return FAILED(hr) ? hr : E_NOTIMPL;
 }
 
-HRESULT XmlDocumentObject::CreateElementNS(IInspectable*, HSTRING, Abi::IXmlElement** element)
+HRESULT XmlDocumentObject::CreateElementNS(IInspectable* /*uri*/, HSTRING /*name*/, Abi::IXmlElement** element)
 {
     const HRESULT hr = BeginCall("IXmlDocument::CreateElementNS", element);
     return FAILED(hr) ? hr : E_NOTIMPL;
 }
 
-HRESULT XmlDocumentObject::GetElementById(HSTRING, Abi::IXmlElement** element)
+HRESULT XmlDocumentObject::GetElementById(HSTRING /*id*/, Abi::IXmlElement** element)
 {
     // Null: without a document type no attribute is an identifier, whatever its name.
     return BeginCall("IXmlDocument::GetElementById", element);

@@ -95,31 +95,31 @@ HRESULT XmlElementObject::GetElementsByTagName(HSTRING name, Abi::IXmlNodeList**
                                          { return origin.Elements(tag); });
 }
 
-HRESULT XmlElementObject::SetAttributeNS(IInspectable*, HSTRING, HSTRING)
+HRESULT XmlElementObject::SetAttributeNS(IInspectable* /*uri*/, HSTRING /*name*/, HSTRING /*value*/)
 {
     const HRESULT hr = BeginCall("IXmlElement::SetAttributeNS");
     return FAILED(hr) ? hr : E_NOTIMPL;
 }
 
-HRESULT XmlElementObject::GetAttributeNS(IInspectable*, HSTRING, HSTRING* value)
+HRESULT XmlElementObject::GetAttributeNS(IInspectable* /*uri*/, HSTRING /*name*/, HSTRING* value)
 {
     const HRESULT hr = BeginCall("IXmlElement::GetAttributeNS", value);
     return FAILED(hr) ? hr : E_NOTIMPL;
 }
 
-HRESULT XmlElementObject::RemoveAttributeNS(IInspectable*, HSTRING)
+HRESULT XmlElementObject::RemoveAttributeNS(IInspectable* /*uri*/, HSTRING /*name*/)
 {
     const HRESULT hr = BeginCall("IXmlElement::RemoveAttributeNS");
     return FAILED(hr) ? hr : E_NOTIMPL;
 }
 
-HRESULT XmlElementObject::SetAttributeNodeNS(Abi::IXmlAttribute*, Abi::IXmlAttribute** previous)
+HRESULT XmlElementObject::SetAttributeNodeNS(Abi::IXmlAttribute* /*attribute*/, Abi::IXmlAttribute** previous)
 {
     const HRESULT hr = BeginCall("IXmlElement::SetAttributeNodeNS", previous);
     return FAILED(hr) ? hr : E_NOTIMPL;
 }
 
-HRESULT XmlElementObject::GetAttributeNodeNS(IInspectable*, HSTRING, Abi::IXmlAttribute** attribute)
+HRESULT XmlElementObject::GetAttributeNodeNS(IInspectable* /*uri*/, HSTRING /*name*/, Abi::IXmlAttribute** attribute)
 {
     const HRESULT hr = BeginCall("IXmlElement::GetAttributeNodeNS", attribute);
     return FAILED(hr) ? hr : E_NOTIMPL;

@@ -56,7 +56,7 @@ HRESULT XmlNodeBase::get_NodeValue(IInspectable** value)
     return FAILED(hr) ? hr : E_NOTIMPL;
 }
 
-HRESULT XmlNodeBase::put_NodeValue(IInspectable*)
+HRESULT XmlNodeBase::put_NodeValue(IInspectable* /*value*/)
 {
     const HRESULT hr = BeginCall("IXmlNode::put_NodeValue");
     return FAILED(hr) ? hr : E_NOTIMPL;

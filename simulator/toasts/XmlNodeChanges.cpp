@@ -98,7 +98,7 @@ HRESULT XmlNodeBase::Normalize()
     return FAILED(hr) ? hr : E_NOTIMPL;
 }
 
-HRESULT XmlNodeBase::put_Prefix(IInspectable*)
+HRESULT XmlNodeBase::put_Prefix(IInspectable* /*value*/)
 {
     const HRESULT hr = BeginCall("IXmlNode::put_Prefix");
     return FAILED(hr) ? hr : E_NOTIMPL;

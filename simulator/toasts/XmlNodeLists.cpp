@@ -82,19 +82,19 @@ HRESULT XmlAttributeMapObject::RemoveNamedItem(HSTRING name, Abi::IXmlNode** pre
     return Wrap(attribute, previous);
 }
 
-HRESULT XmlAttributeMapObject::GetNamedItemNS(IInspectable*, HSTRING, Abi::IXmlNode** node)
+HRESULT XmlAttributeMapObject::GetNamedItemNS(IInspectable* /*uri*/, HSTRING /*name*/, Abi::IXmlNode** node)
 {
     const HRESULT hr = BeginCall("IXmlNamedNodeMap::GetNamedItemNS", node);
     return FAILED(hr) ? hr : E_NOTIMPL;
 }
 
-HRESULT XmlAttributeMapObject::RemoveNamedItemNS(IInspectable*, HSTRING, Abi::IXmlNode** previous)
+HRESULT XmlAttributeMapObject::RemoveNamedItemNS(IInspectable* /*uri*/, HSTRING /*name*/, Abi::IXmlNode** previous)
 {
     const HRESULT hr = BeginCall("IXmlNamedNodeMap::RemoveNamedItemNS", previous);
     return FAILED(hr) ? hr : E_NOTIMPL;
 }
 
-HRESULT XmlAttributeMapObject::SetNamedItemNS(Abi::IXmlNode*, Abi::IXmlNode** previous)
+HRESULT XmlAttributeMapObject::SetNamedItemNS(Abi::IXmlNode* /*node*/, Abi::IXmlNode** previous)
 {
     const HRESULT hr = BeginCall("IXmlNamedNodeMap::SetNamedItemNS", previous);
     return FAILED(hr) ? hr : E_NOTIMPL;

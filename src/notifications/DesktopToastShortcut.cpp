@@ -1,7 +1,7 @@
 #include "notifications/DesktopToast.h"
 
 #include "notifications/ApplicationId.h"
-#include "notifications/LastErrorResult.h"
+#include "shared/LastErrorResult.h"
 #include "shared/TraceScope.h"
 
 #include <comdef.h>

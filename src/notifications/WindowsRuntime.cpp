@@ -1,6 +1,6 @@
 #include "notifications/WindowsRuntime.h"
 
-#include "notifications/LastErrorResult.h"
+#include "shared/LastErrorResult.h"
 
 namespace WindowsRuntime
 {

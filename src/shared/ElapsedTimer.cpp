@@ -29,7 +29,7 @@ CElapsedTimer::~CElapsedTimer()
     {
         m_logger.Statistics().Add(m_strFunctionName, m_elapsedMilliseconds);
     }
-    catch (const std::exception&)
+    catch (const std::exception&) // NOLINT(bugprone-empty-catch)
     {
         // Out of memory: this call is missing from the statistics.
     }

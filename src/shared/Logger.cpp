@@ -116,7 +116,7 @@ void CLogger::Log(int level, const char* functionName, const wchar_t* format, ..
     {
         Write(level, functionName, format, arguments);
     }
-    catch (const std::exception&)
+    catch (const std::exception&) // NOLINT(bugprone-empty-catch)
     {
         // Out of memory: the record is lost, the caller is not.
     }

@@ -30,7 +30,7 @@ constexpr KindWord g_kindWords[] = {{L"EVENT", ListenerKind::Event},
 unsigned ReadMask(const LoggingPolicy& policy)
 {
     std::wstring text = policy.Text(L"LoggingType", g_loggingTypeCapacity);
-    std::transform(text.begin(), text.end(), text.begin(), [](wchar_t c) { return std::towupper(c); });
+    std::ranges::transform(text, text.begin(), [](wchar_t c) { return std::towupper(c); });
     unsigned mask = 0;
     for (const KindWord& kind : g_kindWords)
     {

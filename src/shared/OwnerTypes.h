@@ -28,7 +28,7 @@ struct EventSourceCloser
 
 struct FileCloser
 {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+    void operator()(std::FILE* file) const noexcept { (void)std::fclose(file); }
 };
 
 // Handles whose invalid value is null: events, mutexes, threads.

@@ -10,22 +10,26 @@ namespace
 {
 constexpr std::size_t g_levelWidth = 11;
 
-// "%0<width>d" of a number that may have more digits than the width.
-wchar_t* WriteNumber(wchar_t* out, unsigned value, int width) noexcept
+// The first number that has more digits than that.
+consteval unsigned LimitOfDigits(int digits)
 {
-    int digits = width;
-    for (unsigned limit = width == 4 ? 10'000 : width == 3 ? 1'000 : 100; value >= limit; limit *= 10)
+    unsigned limit = 1;
+    while (digits-- > 0)
+        limit *= 10;
+    return limit;
+}
+
+// "%0<Width>d" of a number that may have more digits than the width, and a separator.
+template <int Width>
+wchar_t* WriteNumber(wchar_t* out, unsigned value, wchar_t separator) noexcept
+{
+    int digits = Width;
+    for (unsigned limit = LimitOfDigits(Width); value >= limit; limit *= 10)
         ++digits;
     for (wchar_t* place = out + digits; place != out; value /= 10)
         *--place = static_cast<wchar_t>(L'0' + value % 10);
-    return out + digits;
-}
-
-wchar_t* WriteSeparated(wchar_t* out, unsigned value, int width, wchar_t separator) noexcept
-{
-    out = WriteNumber(out, value, width);
-    *out = separator;
-    return out + 1;
+    out[digits] = separator;
+    return out + digits + 1;
 }
 
 wchar_t* WriteHexadecimal(wchar_t* out, DWORD value) noexcept
@@ -40,17 +44,17 @@ std::size_t WriteRecordPrefix(wchar_t (&buffer)[RecordPrefixCapacity], const SYS
                               int level) noexcept
 {
     wchar_t* out = buffer;
-    out = WriteSeparated(out, time.wYear, 4, L'/');
-    out = WriteSeparated(out, time.wMonth, 2, L'/');
-    out = WriteSeparated(out, time.wDay, 2, L' ');
-    out = WriteSeparated(out, time.wHour, 2, L':');
-    out = WriteSeparated(out, time.wMinute, 2, L':');
-    out = WriteSeparated(out, time.wSecond, 2, L'.');
-    out = WriteSeparated(out, time.wMilliseconds, 3, L'|');
+    out = WriteNumber<4>(out, time.wYear, L'/');
+    out = WriteNumber<2>(out, time.wMonth, L'/');
+    out = WriteNumber<2>(out, time.wDay, L' ');
+    out = WriteNumber<2>(out, time.wHour, L':');
+    out = WriteNumber<2>(out, time.wMinute, L':');
+    out = WriteNumber<2>(out, time.wSecond, L'.');
+    out = WriteNumber<3>(out, time.wMilliseconds, L'|');
     out = WriteHexadecimal(out, threadId);
     *out++ = L'|';
     const std::wstring_view name = LevelName(level);
-    out = std::copy(name.begin(), name.end(), out);
+    out = std::ranges::copy(name, out).out;
     out = std::fill_n(out, g_levelWidth - name.size(), L' ');
     *out++ = L'|';
     *out = L'\0';

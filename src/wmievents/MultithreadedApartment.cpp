@@ -1,5 +1,7 @@
 #include "wmievents/MultithreadedApartment.h"
 
+#include "shared/LastErrorResult.h"
+
 #include <objbase.h>
 
 using Orvik::Shared::UniqueHandle;
@@ -8,16 +10,11 @@ namespace Notifications::OrvikWmiEvents
 {
 namespace
 {
-HRESULT LastErrorAsHresult()
-{
-    return HRESULT_FROM_WIN32(GetLastError());
-}
-
 // An auto-reset event in place of what the owner held.
 HRESULT MakeEvent(UniqueHandle& handle)
 {
     handle.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
-    return handle ? S_OK : LastErrorAsHresult();
+    return handle ? S_OK : LastErrorResult();
 }
 } // namespace
 
@@ -39,7 +36,7 @@ HRESULT MultithreadedApartment::Run(const std::function<HRESULT()>& work)
     }
     m_pWork = &work;
     if (!SetEvent(m_hRequested.get()))
-        return LastErrorAsHresult();
+        return LastErrorResult();
     WaitForSingleObject(m_hDone.get(), INFINITE);
     return m_hrResult;
 }
@@ -54,7 +51,7 @@ HRESULT MultithreadedApartment::Start()
 
     UniqueHandle thread(CreateThread(nullptr, 0, ThreadRoutine, this, 0, nullptr));
     if (!thread)
-        return LastErrorAsHresult();
+        return LastErrorResult();
     WaitForSingleObject(m_hDone.get(), INFINITE);
     if (FAILED(m_hrResult))
     {

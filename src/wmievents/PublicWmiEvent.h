@@ -13,8 +13,8 @@ public:
     PublicWmiEvent() = default;
     ~PublicWmiEvent();
 
-    // Once per object: a second call gives E_FAIL. A null callback gives E_INVALIDARG and changes nothing. The owner
-    // outlives the deliveries.
+    // E_FAIL while the object holds a connection or a stub from an earlier call. A null callback gives E_INVALIDARG and
+    // changes nothing. The owner outlives the deliveries.
     [[nodiscard]] HRESULT RegisterEvent(const CStringW& eventName, COrvikWmiEvents* owner,
                                         PublicEventCallbacks::WithParams callback);
 

@@ -34,24 +34,15 @@ UINT MessageOf(long status)
     }
 }
 
-// The adapter's status, or nothing once the failure is logged.
+// The adapter's status; nothing without a command object. Raises _com_error as SendCommand does.
 std::optional<long> ReadStatus(const TraceScope& trace)
 {
-    try
-    {
-        IPlixCommandPtr spCommand;
-        if (FAILED(CreateCommand(trace, spCommand)) || !spCommand)
-            return std::nullopt;
-        const long status = SendCommand(spCommand, L"SmartAdapter.Status");
-        trace.Verbose(L"SmartAdapterData: %d", status);
-        return status;
-    }
-    catch (const _com_error& error)
-    {
-        LogCommandFailure(trace, error, L"Invalid Command SmartAdapter.Status. hr = 0x%X",
-                          L"Exception occurred when calling SmartAdapter.Status, [hr:0x%08X]");
+    IPlixCommandPtr spCommand;
+    if (FAILED(CreateCommand(trace, spCommand)) || !spCommand)
         return std::nullopt;
-    }
+    const long status = SendCommand(spCommand, L"SmartAdapter.Status");
+    trace.Verbose(L"SmartAdapterData: %d", status);
+    return status;
 }
 
 // The component's presence is what counts: the object is given back at once.
@@ -62,6 +53,24 @@ bool IsNotificationComponentPresent(const TraceScope& trace)
     if (FAILED(hr))
         trace.Information(L"Failed to CreateInstance of PlixNotification, hr = 0x%X", hr);
     return SUCCEEDED(hr);
+}
+void ShowStatus(const TraceScope& trace)
+{
+    const std::optional<long> status = ReadStatus(trace);
+    const UINT messageId = status ? MessageOf(*status) : 0;
+    if (messageId == 0)
+        return;
+    wchar_t szStatus[260]{};
+    LoadStringW(nullptr, messageId, szStatus, static_cast<int>(std::size(szStatus)));
+    if (!IsNotificationComponentPresent(trace))
+        return;
+
+    wchar_t szTitle[128]{};
+    LoadStringW(nullptr, IDS_APP_TITLE, szTitle, static_cast<int>(std::size(szTitle)));
+    trace.Information(L"szTitle: %s", szTitle);
+    trace.Information(L"szStatus: %s", szStatus);
+    // The toast's own records tell what became of it.
+    static_cast<void>(DesktopToast(nullptr, nullptr).DisplayToast(szTitle, szStatus));
 }
 } // namespace
 
@@ -86,20 +95,14 @@ void COrvikWmiEvents::ProcessSmartAdapterEvent()
         trace.Verbose(L"Notifications are suppressed");
         return;
     }
-    const std::optional<long> status = ReadStatus(trace);
-    const UINT messageId = status ? MessageOf(*status) : 0;
-    if (messageId == 0)
-        return;
-    wchar_t szStatus[260]{};
-    LoadStringW(nullptr, messageId, szStatus, static_cast<int>(std::size(szStatus)));
-    if (!IsNotificationComponentPresent(trace))
-        return;
-
-    wchar_t szTitle[128]{};
-    LoadStringW(nullptr, IDS_APP_TITLE, szTitle, static_cast<int>(std::size(szTitle)));
-    trace.Information(L"szTitle: %s", szTitle);
-    trace.Information(L"szStatus: %s", szStatus);
-    // The toast's own records tell what became of it.
-    static_cast<void>(DesktopToast(nullptr, nullptr).DisplayToast(szTitle, szStatus));
+    try
+    {
+        ShowStatus(trace);
+    }
+    catch (const _com_error& error)
+    {
+        LogCommandFailure(trace, error, L"Invalid Command SmartAdapter.Status. hr = 0x%X",
+                          L"Exception occurred when calling SmartAdapter.Status, [hr:0x%08X]");
+    }
 }
 } // namespace Notifications::OrvikWmiEvents

@@ -44,8 +44,9 @@ HRESULT UnsecuredStub::CreateApartment()
     return MultithreadedApartment::Instance().Run(
         [this]
         {
-            return CoCreateInstance(CLSID_UnsecuredApartment, nullptr, CLSCTX_LOCAL_SERVER, IID_IUnsecuredApartment,
-                                    reinterpret_cast<void**>(&m_spApartment));
+            const HRESULT hr = CoCreateInstance(CLSID_UnsecuredApartment, nullptr, CLSCTX_LOCAL_SERVER,
+                                                IID_IUnsecuredApartment, reinterpret_cast<void**>(&m_spApartment));
+            return SUCCEEDED(hr) && !m_spApartment ? E_POINTER : hr;
         });
 }
 

@@ -12,8 +12,8 @@ public:
     WmiEvent() = default;
     ~WmiEvent();
 
-    // One of the two, once per object: a second call gives E_FAIL. A null callback gives E_INVALIDARG and changes
-    // nothing. The owner outlives the deliveries.
+    // One of the two. E_FAIL while the object holds a connection or a stub from an earlier call. A null callback gives
+    // E_INVALIDARG and changes nothing. The owner outlives the deliveries.
     [[nodiscard]] HRESULT Register(int nEventID, COrvikWmiEvents* owner,
                                    BiosEventCallbacks::WithParams callbackWithParams);
     [[nodiscard]] HRESULT Register(int nEventID, COrvikWmiEvents* owner, BiosEventCallbacks::Plain callback);

@@ -30,8 +30,11 @@ HRESULT ReadEventData(const TraceScope& trace, IWbemClassObject* object, const _
 void Deliver(const TraceScope& trace, IWbemClassObject* object, const BiosEventCallbacks& callbacks)
 {
     trace.Verbose(L"Event occured");
-    _variant_t id;
-    _variant_t data;
+    // The numbers are read whatever type comes back, so they start as 0: a value without one leaves them alone.
+    _variant_t id(0L);
+    _variant_t data(0L);
+    id.vt = VT_EMPTY;
+    data.vt = VT_EMPTY;
     const _bstr_t idName(L"EventID");
     const _bstr_t dataName(L"EventData");
 

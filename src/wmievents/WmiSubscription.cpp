@@ -15,8 +15,10 @@ constexpr int g_nImageStateComplete = 1;
 
 HRESULT CreateLocator(const TraceScope& trace, IWbemLocatorPtr& spLocator)
 {
-    const HRESULT hr = CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
-                                        reinterpret_cast<void**>(&spLocator));
+    HRESULT hr = CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
+                                  reinterpret_cast<void**>(&spLocator));
+    if (SUCCEEDED(hr) && !spLocator)
+        hr = E_POINTER;
     if (FAILED(hr))
         trace.Information(L"CoCreateInstance(IID_IWbemLocator) failed: 0x%08X", hr);
     else
@@ -130,7 +132,7 @@ HRESULT WmiSubscription::Connect(const TraceScope& trace, IWbemLocator* locator)
 
 HRESULT WmiSubscription::Secure(const TraceScope& trace)
 {
-    // The level is CONNECT, not CALL: WMI's provider for this namespace was always asked like this.
+    // CONNECT on purpose, not CALL as WMI's own examples have it: authentication happens once, on connecting.
     const HRESULT hr = CoSetProxyBlanket(m_pWbemSvcs, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
                                          RPC_C_AUTHN_LEVEL_CONNECT, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
     if (FAILED(hr))

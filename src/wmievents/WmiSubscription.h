@@ -27,8 +27,8 @@ protected:
     ~WmiSubscription();
 
     // Connects and starts the query, with the stub of a new sink that CreateSink makes. A failure on the way leaves
-    // what was reached so far in place, so a second call on the same object is refused. Out of memory for a BSTR
-    // leaves as _com_error.
+    // what was reached so far in place: while a connection or a stub is held, another call is refused. Out of memory
+    // for a BSTR leaves as _com_error.
     [[nodiscard]] HRESULT Subscribe(const Orvik::Shared::TraceScope& trace, const wchar_t* query);
 
     // Cancels the query and releases what is held; the result of CancelAsyncCall, 0 when nothing was to be cancelled.

@@ -25,13 +25,16 @@ namespace
 // No operation of the agent makes that many calls: a sweep that gets there does not end.
 constexpr unsigned g_nMostCalls = 500;
 
-// The allocations of the program may fail; what is allocated nevertheless is counted beneath.
-struct FaultableAllocations
+// The automation functions of the program may fail; they lie above the ledger, which redirects the same ones and counts
+// what is allocated nevertheless.
+struct FaultableAutomation
 {
     FaultableFunction<struct AllocTag, decltype(SysAllocString)> m_alloc{"SysAllocString", nullptr};
     FaultableFunction<struct AllocLenTag, decltype(SysAllocStringLen)> m_allocLen{"SysAllocStringLen", nullptr};
     FaultableFunction<struct AllocByteLenTag, decltype(SysAllocStringByteLen)> m_allocByteLen{"SysAllocStringByteLen",
                                                                                               nullptr};
+    FaultableFunction<struct ChangeTypeTag, decltype(VariantChangeType)> m_changeType{"VariantChangeType",
+                                                                                      E_OUTOFMEMORY};
 };
 
 TestSupport::BstrLedger* g_pLedger = nullptr;
@@ -79,7 +82,7 @@ std::vector<std::string> FaultSweep::Run()
 {
     TestSupport::BstrLedger ledger;
     g_pLedger = &ledger;
-    const FaultableAllocations allocations;
+    const FaultableAutomation automation;
     // The first runs make what the process keeps for good.
     for (int i = 0; i < 2; ++i)
     {

@@ -25,7 +25,7 @@ struct FaultStep
 // Runs an operation again and again, making its platform calls number 1, 2, 3 ... fail in turn, first each one alone
 // and then each with all that follow, until it runs clean. After each failing run and after the clean run behind it no
 // interface of a double, no handle and no BSTR may be left over. Platform calls are those of the doubles and of the
-// redirections that are in force; the allocation of BSTRs is added by the sweep.
+// redirections that are in force; the allocation of BSTRs and VariantChangeType are added by the sweep.
 class FaultSweep
 {
 public:

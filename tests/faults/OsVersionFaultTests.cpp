@@ -1,14 +1,16 @@
 #include "app/system/OsVersion.h"
 #include "simulator/doubles/ComRedirections.h"
 #include "simulator/model/Facts.h"
-#include "tests/faults/FaultableFunction.h"
 #include "tests/faults/FaultSweep.h"
 #include "tests/support/LogCapture.h"
 
-#include <oleauto.h>
+#include <objbase.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <initializer_list>
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -33,7 +35,6 @@ TEST(OsVersionFault, Windows10_EachCallFails_IsFalseWithItsLine)
     const Simulator::ComRedirections redirections(Simulator::Activation::InProcess);
     // Keeps the apartment there when the query's own membership is refused.
     ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
-    const FaultableFunction<struct ChangeTypeTag, decltype(VariantChangeType)> conversion("VariantChangeType", E_FAIL);
     Simulator::Facts::Instance().Clear();
     // A number whose text reads as a version: the conversion is part of the sweep.
     Simulator::Facts::Instance().Set("/wmi/os/version", {{"r8", 10.5}});

@@ -116,8 +116,9 @@ TEST(ToastEventHandlerFailed, Invoke_WindowOfAnotherThread_WaitsForItAndSetsTheT
                 DispatchMessageW(&message);
             text = window.Text();
         });
-    EXPECT_EQ(Fail(nullptr, ready.get_future().get()), S_OK);
-    PostThreadMessageW(GetThreadId(reinterpret_cast<HANDLE>(owner.native_handle())), WM_QUIT, 0, 0);
+    const HWND window = ready.get_future().get();
+    EXPECT_EQ(Fail(nullptr, window), S_OK);
+    PostMessageW(window, WM_QUIT, 0, 0);
     owner.join();
     EXPECT_EQ(text, L"The toast encountered an error.");
 }

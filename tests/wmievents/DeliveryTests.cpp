@@ -1,4 +1,5 @@
 #include "shared/LogLevel.h"
+#include "shared/OwnerTypes.h"
 #include "simulator/doubles/JournalText.h"
 #include "simulator/doubles/ObjectIdentity.h"
 #include "simulator/doubles/WmiDelivery.h"
@@ -14,6 +15,7 @@
 #include <atomic>
 #include <set>
 
+using Orvik::Shared::UniqueHandle;
 using Simulator::WmiEventSource;
 using testing::Each;
 using testing::ElementsAre;
@@ -67,16 +69,15 @@ TYPED_TEST(DeliveryTest, Handler_RunsInTheMultithreadedApartment)
 TYPED_TEST(DeliveryTest, SeveralThreads_HandlersRunAtTheSameTime)
 {
     std::atomic<int> inside = 0;
-    const HANDLE bothInside = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const UniqueHandle bothInside(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     this->m_hub.m_onCall = [&]
     {
         if (++inside == 2)
-            SetEvent(bothInside);
-        EXPECT_EQ(WaitForSingleObject(bothInside, 10'000), WAIT_OBJECT_0);
+            SetEvent(bothInside.get());
+        EXPECT_EQ(WaitForSingleObject(bothInside.get(), 10'000), WAIT_OBJECT_0);
     };
     WmiEventSource::RaiseFromThreads(this->Batch(), 2, 1);
     EXPECT_EQ(inside, 2);
-    CloseHandle(bothInside);
 }
 
 TYPED_TEST(DeliveryTest, ManyEventsFromManyThreads_EachIsHandledOnce)
@@ -127,20 +128,18 @@ TYPED_TEST(DeliveryTest, Cancellation_StatusComesLate_SinkIsStillThere)
 
 TYPED_TEST(DeliveryTest, Cancellation_DuringADelivery_DeliveryEndsNormally)
 {
-    const HANDLE entered = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    const HANDLE leave = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const UniqueHandle entered(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const UniqueHandle leave(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     this->m_hub.m_onCall = [&]
     {
-        SetEvent(entered);
-        WaitForSingleObject(leave, 10'000);
+        SetEvent(entered.get());
+        WaitForSingleObject(leave.get(), 10'000);
     };
     Simulator::RunningDelivery delivery(this->Batch());
-    EXPECT_EQ(WaitForSingleObject(entered, 10'000), WAIT_OBJECT_0);
+    EXPECT_EQ(WaitForSingleObject(entered.get(), 10'000), WAIT_OBJECT_0);
     EXPECT_EQ(this->m_subscription.Unregister(), S_OK);
-    SetEvent(leave);
+    SetEvent(leave.get());
     EXPECT_THAT(delivery.Results(), ElementsAre(S_OK));
-    CloseHandle(entered);
-    CloseHandle(leave);
 }
 
 TYPED_TEST(DeliveryTest, Status_WhileRegistered_IsOnlyTraced)

@@ -208,6 +208,7 @@ TEST_F(PublicEventTest, FromFirmware_ReachesTheScreen)
     ASSERT_EQ(toasts.size(), 2u);
     EXPECT_EQ(toasts[0][1], "Lid opened");
     EXPECT_EQ(toasts[1][1], "");
+    EXPECT_TRUE(std::filesystem::exists(m_appData.Shortcut()));
 }
 
 TEST_F(PublicEventTest, FromFirmware_OptionOff_ShowsNothing)

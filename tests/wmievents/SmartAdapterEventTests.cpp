@@ -4,11 +4,14 @@
 #include "simulator/model/Facts.h"
 #include "simulator/model/LiveObjects.h"
 #include "simulator/redirect/ImportRedirection.h"
+#include "simulator/toasts/ToastActivation.h"
 #include "simulator/toasts/ToastDesktop.h"
 #include "tests/support/BstrLedger.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/PolicyKey.h"
 #include "tests/wmievents/MachineTest.h"
+
+#include <roapi.h>
 
 #include <gmock/gmock.h>
 
@@ -65,6 +68,21 @@ int WINAPI LoadNoStringW(HINSTANCE, UINT, LPWSTR, int)
 {
     SetLastError(ERROR_RESOURCE_NAME_NOT_FOUND);
     return 0;
+}
+unsigned g_nFactories;
+
+// Gives the first factory that is asked for; for each further one it says yes and gives nothing.
+HRESULT WINAPI GiveOneFactory(HSTRING classId, REFIID iid, void** factory)
+{
+    *factory = nullptr;
+    if (g_nFactories++ > 0)
+        return S_OK;
+    IActivationFactory* made = nullptr;
+    if (const HRESULT hr = Simulator::GetToastActivationFactory(classId, &made); FAILED(hr))
+        return hr;
+    const HRESULT hr = made->QueryInterface(iid, factory);
+    made->Release();
+    return hr;
 }
 } // namespace
 
@@ -290,6 +308,18 @@ TEST_F(SmartAdapterEventTest, Toast_Fails_EndsQuietlyAndTheNextEventIsShown)
     EXPECT_EQ(LogLines(Handler).size(), 5u);
     m_hub.ProcessSmartAdapterEvent();
     EXPECT_EQ(Toasts().size(), 1u);
+}
+
+TEST_F(SmartAdapterEventTest, Toast_RaisesAnError_DoesNotLeaveTheHandler)
+{
+    g_nFactories = 0;
+    const Redirection<decltype(RoGetActivationFactory)> emptyHanded("RoGetActivationFactory", &GiveOneFactory);
+    ASSERT_EQ(m_hub.RegisterSmartAdapterEvent(L""), S_OK);
+    EXPECT_THAT(Simulator::WmiEventSource::Raise("orvikBEvnt", {{"EventID", 3}}), ElementsAre(S_OK));
+    EXPECT_EQ(g_nFactories, 2u);
+    EXPECT_TRUE(
+        Logged(Level::Information, Handler, L"Exception occurred when calling SmartAdapter.Status, [hr:0x80004003]"));
+    EXPECT_THAT(Toasts(), IsEmpty());
 }
 
 TEST_F(SmartAdapterEventTest, Event_FromFirmware_BecomesAToast)

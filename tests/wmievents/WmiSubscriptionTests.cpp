@@ -224,8 +224,7 @@ TYPED_TEST(SubscriptionTest, Destructor_OnlyTraces)
         this->StartWatching();
     }
     EXPECT_THAT(this->Calls(), IsEmpty());
-    EXPECT_EQ(LiveObjects::Count("WbemServices"), 1);
-    EXPECT_EQ(LiveObjects::Count("UnsecuredApartmentStub"), 1);
+    EXPECT_THAT(Simulator::Journal::Instance().Subjects("reference"), IsEmpty());
     const std::string name = TypeParam::Class;
     EXPECT_THAT(LogLines(name + "::~" + name.substr(name.rfind(':') + 1)), ElementsAre(L"TraceIn|", L"TraceOut|"));
 }

@@ -11,7 +11,7 @@ from . import places
 from .errors import EnvironmentFault
 
 # Goes up when a template made before would no longer do.
-_TEMPLATE_REVISION = 1
+_TEMPLATE_REVISION = 2
 _SECONDS_TO_CREATE = 300
 # Debian puts the loader and the server here and a shell script that looks for them on the path.
 _DEBIAN_FOLDER = Path("/usr/lib/wine")
@@ -19,10 +19,10 @@ _DEBIAN_FOLDER = Path("/usr/lib/wine")
 _USER_SETTINGS = r"""REGEDIT4
 
 [HKEY_CURRENT_USER\Software\Wine\Fonts\Replacements]
-"Segoe UI"="Liberation Sans"
-"Tahoma"="Liberation Sans"
-"MS Shell Dlg"="Liberation Sans"
-"MS Shell Dlg 2"="Liberation Sans"
+"Segoe UI"="DejaVu Sans"
+"Tahoma"="DejaVu Sans"
+"MS Shell Dlg"="DejaVu Sans"
+"MS Shell Dlg 2"="DejaVu Sans"
 """
 
 

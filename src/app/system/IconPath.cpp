@@ -28,7 +28,7 @@ bool IsReadable(const std::wstring& path)
 // Lives as long as the module; empty when the module has no such resource.
 std::span<const char> IconFileResource(WORD resourceId)
 {
-    const HRSRC found = FindResourceW(nullptr, MAKEINTRESOURCEW(resourceId), MAKEINTRESOURCEW(RT_ICON_FILE));
+    auto* const found = FindResourceW(nullptr, MAKEINTRESOURCEW(resourceId), MAKEINTRESOURCEW(RT_ICON_FILE));
     if (found == nullptr)
         return {};
     const HGLOBAL loaded = LoadResource(nullptr, found);
@@ -57,7 +57,7 @@ bool WriteIconFile(const std::wstring& path, std::span<const char> content)
 
 std::wstring GetDefaultIconPath(std::wstring_view fileName, WORD resourceId)
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     std::wstring path = TemporaryFolder();
     if (path.empty())
         return {};
