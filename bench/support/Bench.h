@@ -12,9 +12,9 @@ inline constexpr double NoLimit = -1;
 // What is measured: does its work that many times.
 using Subject = void (*)(std::size_t times);
 
-// Measures subjects against each other in one run: in each round every subject is timed, one after the other, several
-// times for a few milliseconds, and its fastest time counts, so that a neighbour's time slice does not. What is
-// reported are medians over the rounds; ratios are taken within each round. One thread, pinned to one processor.
+// Measures subjects against each other in one run: in each round every subject is timed, one after the other, many
+// times for a fraction of a millisecond, and its fastest time counts, so that a neighbour's time slice does not. What
+// is reported are medians over the rounds; ratios are taken within each round. One thread, pinned to one processor.
 class Comparison
 {
 public:

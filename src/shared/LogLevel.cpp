@@ -1,7 +1,8 @@
 #include "shared/LogLevel.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <cwchar>
+#include <cwctype>
 #include <iterator>
 
 namespace Orvik::Shared
@@ -10,6 +11,11 @@ namespace
 {
 constexpr std::wstring_view g_levelNames[] = {L"TraceIn", L"TraceOut", L"Verbose", L"Information",
                                               L"Warning", L"Error",    L"Diag"};
+
+wchar_t Lower(wchar_t c) noexcept
+{
+    return static_cast<wchar_t>(std::towlower(c));
+}
 } // namespace
 
 std::wstring_view LevelName(int level) noexcept
@@ -22,8 +28,7 @@ int LevelFromName(std::wstring_view name) noexcept
 {
     for (std::size_t i = 0; i < std::size(g_levelNames); ++i)
     {
-        const std::wstring_view candidate = g_levelNames[i];
-        if (name.size() == candidate.size() && _wcsnicmp(name.data(), candidate.data(), name.size()) == 0)
+        if (std::ranges::equal(name, g_levelNames[i], {}, Lower, Lower))
             return static_cast<int>(i);
     }
     return Level::Never;

@@ -73,7 +73,7 @@ CLogger& CLogger::CreateInstance() noexcept
 
 CLogger::CLogger(Listeners listeners) noexcept : m_lstListeners(std::move(listeners))
 {
-    const auto end = std::find(m_lstListeners.begin(), m_lstListeners.end(), nullptr);
+    const auto* end = std::ranges::find_if(m_lstListeners, [](const auto& listener) { return !listener; });
     m_nListeners = static_cast<std::size_t>(end - m_lstListeners.begin());
     for (std::size_t i = 0; i < m_nListeners; ++i)
     {

@@ -8,10 +8,10 @@ namespace Orvik::Shared
 namespace FormatCheck
 {
 // Not constexpr on purpose: a format that reaches one of these does not compile, and the name is the message.
-void FormatHasMoreConversionsThanArguments();
-void FormatHasFewerConversionsThanArguments();
-void ArgumentDoesNotFitItsConversion();
-void WidthMustStandInTheFormat();
+[[noreturn]] void FormatHasMoreConversionsThanArguments();
+[[noreturn]] void FormatHasFewerConversionsThanArguments();
+[[noreturn]] void ArgumentDoesNotFitItsConversion();
+[[noreturn]] void WidthMustStandInTheFormat();
 
 enum class Kind
 {

@@ -46,6 +46,7 @@ public:
 private:
     struct Balance;
 
+    static Balance Settled(const Balance& expected);
     void RunClean(const std::string& description);
     // False when no call failed: the operation has fewer calls.
     bool RunFailing(FaultStep& step);

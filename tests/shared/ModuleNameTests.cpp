@@ -87,9 +87,25 @@ TEST_F(ModuleName, ProgramWithoutFile_HasNoProductName)
     EXPECT_EQ(ProductName(), L"");
 }
 
-TEST_F(ModuleName, PathOver259Characters_HasNoProductName)
+unsigned g_versionQueries;
+
+DWORD WINAPI CountedVersionSize(LPCWSTR, LPDWORD)
 {
-    g_path = L"C:\\" + std::wstring(257, L'x');
+    ++g_versionQueries;
+    return 0;
+}
+
+// A path that was cut may name another program.
+TEST_F(ModuleName, PathOver259Characters_IsNotAskedForAProductName)
+{
+    const Redirection<decltype(GetFileVersionInfoSizeW)> redirection("GetFileVersionInfoSizeW", &CountedVersionSize);
+    g_versionQueries = 0;
+    g_path = L"C:\\" + std::wstring(256, L'x');
+    ASSERT_EQ(g_path.size(), 259u);
     EXPECT_EQ(ProductName(), L"");
+    EXPECT_EQ(g_versionQueries, 1u);
+    g_path.push_back(L'x');
+    EXPECT_EQ(ProductName(), L"");
+    EXPECT_EQ(g_versionQueries, 1u);
 }
 } // namespace
