@@ -1,6 +1,7 @@
 #include "simulator/model/CallPlan.h"
 
 #include "simulator/model/Journal.h"
+#include "simulator/model/ProcessEnd.h"
 
 #include <algorithm>
 
@@ -36,6 +37,8 @@ HRESULT CallPlan::Decide(std::string_view call)
 
 HRESULT CallPlan::Enter(std::string_view call, nlohmann::json details, std::string_view kind)
 {
+    if (ProcessIsEnding())
+        return S_OK;
     DWORD delay = 0;
     bool hangs = false;
     HRESULT hr = S_OK;

@@ -1,5 +1,7 @@
 #include "simulator/model/Journal.h"
 
+#include "simulator/model/ProcessEnd.h"
+
 namespace Simulator
 {
 Journal::Journal()
@@ -17,6 +19,8 @@ Journal& Journal::Instance()
 
 void Journal::Append(std::string_view kind, std::string_view subject, nlohmann::json details)
 {
+    if (ProcessIsEnding())
+        return;
     LARGE_INTEGER now{};
     QueryPerformanceCounter(&now);
     const std::lock_guard lock(m_lock);

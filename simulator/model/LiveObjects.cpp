@@ -1,5 +1,7 @@
 #include "simulator/model/LiveObjects.h"
 
+#include "simulator/model/ProcessEnd.h"
+
 #include <mutex>
 
 namespace Simulator
@@ -21,6 +23,8 @@ Counts& TheCounts()
 
 void Change(std::string_view className, long difference)
 {
+    if (ProcessIsEnding())
+        return;
     Counts& counts = TheCounts();
     const std::lock_guard lock(counts.m_lock);
     counts.m_mapCounts.try_emplace(std::string(className), 0).first->second += difference;

@@ -1,6 +1,7 @@
 #include "notifications/DesktopToast.h"
 
 #include "notifications/ApplicationId.h"
+#include "notifications/RequireObject.h"
 #include "notifications/ToastEventHandler.h"
 #include "notifications/WindowsRuntime.h"
 #include "platform/ComApartment.h"
@@ -16,7 +17,7 @@ HRESULT CreateNotification(IXmlDocument* document, IToastNotificationPtr& spToas
     IToastNotificationFactoryPtr spFactory;
     const HRESULT hr = WindowsRuntime::GetActivationFactory(ToastNotificationClass, __uuidof(IToastNotificationFactory),
                                                             reinterpret_cast<void**>(&spFactory));
-    return FAILED(hr) ? hr : spFactory->CreateToastNotification(document, &spToast);
+    return FAILED(hr) ? hr : RequireObject(spFactory->CreateToastNotification(document, &spToast), spToast);
 }
 
 HRESULT RegisterHandler(const TraceScope& trace, IToastNotification* toast, ToastEventHandler* handler)
@@ -62,7 +63,7 @@ HRESULT DesktopToast::CreateToast(IToastNotificationManagerStatics* manager, IXm
     IToastNotifierPtr spNotifier;
     HRESULT hr = applicationId.Create(ApplicationUserModelId);
     if (SUCCEEDED(hr))
-        hr = manager->CreateToastNotifierWithId(applicationId.Get(), &spNotifier);
+        hr = RequireObject(manager->CreateToastNotifierWithId(applicationId.Get(), &spNotifier), spNotifier);
     IToastNotificationPtr spToast;
     if (SUCCEEDED(hr))
         hr = CreateNotification(document, spToast);

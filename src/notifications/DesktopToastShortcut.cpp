@@ -1,6 +1,7 @@
 #include "notifications/DesktopToast.h"
 
 #include "notifications/ApplicationId.h"
+#include "notifications/RequireObject.h"
 #include "shared/LastErrorResult.h"
 #include "shared/TraceScope.h"
 
@@ -67,7 +68,8 @@ HRESULT PathOfThisProgram(std::wstring& path)
 HRESULT SetApplicationId(IShellLinkW* link)
 {
     IPropertyStorePtr spStore;
-    HRESULT hr = link->QueryInterface(__uuidof(IPropertyStore), reinterpret_cast<void**>(&spStore));
+    HRESULT hr =
+        RequireObject(link->QueryInterface(__uuidof(IPropertyStore), reinterpret_cast<void**>(&spStore)), spStore);
     TextProperty applicationId;
     if (SUCCEEDED(hr))
         hr = applicationId.Set(ApplicationUserModelId);
@@ -92,7 +94,7 @@ HRESULT LookForFile(const std::wstring& path)
 HRESULT SaveLink(IShellLinkW* link, const std::wstring& path)
 {
     IPersistFilePtr spFile;
-    HRESULT hr = link->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(&spFile));
+    HRESULT hr = RequireObject(link->QueryInterface(IID_IPersistFile, reinterpret_cast<void**>(&spFile)), spFile);
     if (FAILED(hr))
         return hr;
     const bool isNew = LookForFile(path) == S_FALSE;
@@ -127,8 +129,9 @@ HRESULT DesktopToast::InstallShortcut(const std::wstring& shortcutPath)
     HRESULT hr = PathOfThisProgram(program);
     IShellLinkWPtr spLink;
     if (SUCCEEDED(hr))
-        hr = CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
-                              reinterpret_cast<void**>(&spLink));
+        hr = RequireObject(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkW,
+                                            reinterpret_cast<void**>(&spLink)),
+                           spLink);
     if (SUCCEEDED(hr))
         hr = spLink->SetPath(program.c_str());
     if (SUCCEEDED(hr))

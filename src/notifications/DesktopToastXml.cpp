@@ -1,4 +1,5 @@
 #include "notifications/DesktopToast.h"
+#include "notifications/RequireObject.h"
 #include "notifications/WindowsRuntime.h"
 #include "shared/TraceScope.h"
 
@@ -17,7 +18,7 @@ HRESULT FindElements(IXmlDocument* document, const wchar_t* tagName, IXmlNodeLis
 {
     WindowsRuntime::RuntimeString name;
     const HRESULT hr = name.Create(tagName);
-    return FAILED(hr) ? hr : document->GetElementsByTagName(name.Get(), &spElements);
+    return FAILED(hr) ? hr : RequireObject(document->GetElementsByTagName(name.Get(), &spElements), spElements);
 }
 
 // Lists and maps answer S_OK and null for a node that is not there.
@@ -45,7 +46,7 @@ HRESULT FindSrcOfFirstImage(IXmlDocument* document, IXmlNodePtr& spSrc)
         hr = ItemOf(spImages, 0, spImage);
     IXmlNamedNodeMapPtr spAttributes;
     if (SUCCEEDED(hr))
-        hr = spImage->get_Attributes(&spAttributes);
+        hr = RequireObject(spImage->get_Attributes(&spAttributes), spAttributes);
     return SUCCEEDED(hr) ? ItemOf(spAttributes, L"src", spSrc) : hr;
 }
 
@@ -64,7 +65,8 @@ HRESULT DesktopToast::CreateToastXml(IToastNotificationManagerStatics* manager, 
                                      const std::wstring& title, const std::wstring& text)
 {
     TraceScope trace(ORVIK_FUNCTION);
-    HRESULT hr = manager->GetTemplateContent(ToastTemplateType::ToastImageAndText04, &spDocument);
+    HRESULT hr =
+        RequireObject(manager->GetTemplateContent(ToastTemplateType::ToastImageAndText04, &spDocument), spDocument);
     if (FAILED(hr))
         return trace.Exit(hr);
     trace.Verbose(L"Title: %s", title.c_str());
@@ -116,7 +118,7 @@ HRESULT DesktopToast::SetNodeValueString(const std::wstring& value, IXmlNode* no
     HRESULT hr = data.Create(value);
     IXmlTextPtr spText;
     if (SUCCEEDED(hr))
-        hr = document->CreateTextNode(data.Get(), &spText);
+        hr = RequireObject(document->CreateTextNode(data.Get(), &spText), spText);
     IXmlNodePtr spTextNode;
     if (SUCCEEDED(hr))
         hr = spText->QueryInterface(__uuidof(IXmlNode), reinterpret_cast<void**>(&spTextNode));

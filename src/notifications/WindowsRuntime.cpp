@@ -1,5 +1,6 @@
 #include "notifications/WindowsRuntime.h"
 
+#include "notifications/RequireObject.h"
 #include "shared/LastErrorResult.h"
 
 namespace WindowsRuntime
@@ -30,7 +31,7 @@ HRESULT GetActivationFactory(std::wstring_view className, REFIID iid, void** fac
     RoGetActivationFactoryFunction pfnRoGetActivationFactory = nullptr;
     if (const HRESULT hr = LookUp("RoGetActivationFactory", pfnRoGetActivationFactory); FAILED(hr))
         return hr;
-    return pfnRoGetActivationFactory(name.Get(), iid, factory);
+    return RequireObject(pfnRoGetActivationFactory(name.Get(), iid, factory), *factory);
 }
 
 RuntimeString::~RuntimeString()

@@ -1,5 +1,6 @@
 #include "notifications/DesktopToast.h"
 
+#include "simulator/doubles/JournalText.h"
 #include "simulator/model/CallPlan.h"
 #include "simulator/model/Facts.h"
 #include "simulator/model/Journal.h"
@@ -96,6 +97,16 @@ TEST_F(DesktopToastShortcutFailureTest, Install_PersistFileRefused_SavesNothing)
     EXPECT_EQ(m_toast.TryCreateShortcut(), E_NOINTERFACE);
     EXPECT_THAT(Calls(), ElementsAre("CoCreateInstance", "IShellLinkW::SetPath", "IPropertyStore::SetValue",
                                      "IPropertyStore::Commit"));
+}
+
+TEST_F(DesktopToastShortcutFailureTest, Install_SuccessWithoutAnObject_CountsAsFailure)
+{
+    for (const IID& iid : {IID_IShellLinkW, __uuidof(IPropertyStore), IID_IPersistFile})
+    {
+        Facts::Instance().Set("/shell-link/nothing-for", Simulator::GuidText(iid));
+        EXPECT_EQ(m_toast.TryCreateShortcut(), E_POINTER);
+        EXPECT_FALSE(PathExists(m_startMenu.ShortcutPath()));
+    }
 }
 
 TEST_F(DesktopToastShortcutFailureTest, Install_NoMemoryForTheId_SetsAndSavesNothing)

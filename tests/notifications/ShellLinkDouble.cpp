@@ -9,6 +9,22 @@
 using Simulator::CallPlan;
 using Simulator::Facts;
 
+namespace
+{
+bool GivesNothingFor(REFIID iid)
+{
+    return Facts::Instance().Get("/shell-link/nothing-for") == Simulator::GuidText(iid);
+}
+} // namespace
+
+HRESULT ShellLinkDouble::QueryInterface(REFIID iid, void** object)
+{
+    if (!GivesNothingFor(iid))
+        return ComDouble::QueryInterface(iid, object);
+    *object = nullptr;
+    return S_OK;
+}
+
 HRESULT ShellLinkDouble::SetPath(LPCWSTR path)
 {
     return CallPlan::Instance().Enter("IShellLinkW::SetPath", {{"path", Simulator::Narrow(path)}});
@@ -48,7 +64,8 @@ HRESULT WINAPI CreateShellLink(REFCLSID classId, IUnknown* outer, DWORD context,
                                                                        {"iid", Simulator::GuidText(iid)},
                                                                        {"context", context},
                                                                        {"outer", outer != nullptr}});
-    return FAILED(hr) ? hr : Simulator::MakeDouble<ShellLinkDouble>(iid, object);
+    *object = nullptr;
+    return FAILED(hr) || GivesNothingFor(iid) ? hr : Simulator::MakeDouble<ShellLinkDouble>(iid, object);
 }
 } // namespace
 

@@ -12,12 +12,14 @@
 // "IPropertyStore::SetValue"
 // {"key", "pid", "vt", "text"}, "IPropertyStore::Commit", "IPersistFile::Save" {"path", "remember"}, and
 // "ShellLink::QueryInterface". Save makes a file; a Save that fails leaves the beginning of one when the fact
-// /shell-link/half-written is true. What the agent does not call answers E_NOTIMPL.
+// /shell-link/half-written is true. QueryInterface succeeds without an object for the IID that the fact
+// /shell-link/nothing-for names. What the agent does not call answers E_NOTIMPL.
 class ShellLinkDouble : public Simulator::ComDouble<IShellLinkW, IPropertyStore, IPersistFile>
 {
 public:
     ShellLinkDouble() : ComDouble("ShellLink") {}
 
+    STDMETHOD(QueryInterface)(REFIID iid, void** object) override;
     STDMETHOD(SetPath)(LPCWSTR path) override;
     STDMETHOD(SetValue)(REFPROPERTYKEY key, REFPROPVARIANT value) override;
     STDMETHOD(Commit)() override;
@@ -51,7 +53,8 @@ public:
 };
 
 // For the life of the object CoCreateInstance of the program is the call "CoCreateInstance" {"clsid", "iid", "context",
-// "outer"} of the plan and gives such a shell link out; every other class is asked of Windows.
+// "outer"} of the plan and gives such a shell link out, or success without one while the fact /shell-link/nothing-for
+// names the IID; every other class is asked of Windows.
 class ShellLinkRedirection
 {
 public:
