@@ -52,8 +52,8 @@ std::optional<nlohmann::json> AgentSession::AnswerOrEnd(int id, std::chrono::mil
         return entry.m_nAgent == m_channel.Number() && entry.m_strKind == "machine" && entry.m_strSubject == "answer" &&
                entry.m_details.value("id", 0) == id;
     };
-    const auto entry = m_entries.WaitFor(
-        m_nFirstEntry, limit, [&](const Entry& candidate) { return isAnswer(candidate) || IsOwn(candidate, "ended"); });
+    const auto entry = m_entries.WaitFor(m_nFirstEntry, limit, [&](const Entry& candidate)
+                                         { return isAnswer(candidate) || IsOwn(candidate, "ended"); });
     if (!entry)
         throw StepFailure("the agent did not return within " + std::to_string(limit.count()) + " ms");
     if (!isAnswer(*entry))

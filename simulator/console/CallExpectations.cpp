@@ -50,8 +50,7 @@ Action ReadExpectCalls(const nlohmann::json& value, const std::string& place)
 
 bool Includes(const nlohmann::json& whole, const nlohmann::json& part)
 {
-    return std::all_of(part.items().begin(), part.items().end(),
-                       [&](const auto& item)
+    return std::all_of(part.items().begin(), part.items().end(), [&](const auto& item)
                        { return whole.contains(item.key()) && whole.at(item.key()) == item.value(); });
 }
 

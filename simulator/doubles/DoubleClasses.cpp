@@ -48,8 +48,7 @@ const DoubleClass* FindDoubleClass(std::wstring_view progId)
     const auto& classes = DoubleClasses();
     const std::wstring text(progId);
     const auto found =
-        std::find_if(classes.begin(), classes.end(),
-                     [&](const DoubleClass& entry)
+        std::find_if(classes.begin(), classes.end(), [&](const DoubleClass& entry)
                      { return entry.m_pszProgId != nullptr && _wcsicmp(entry.m_pszProgId, text.c_str()) == 0; });
     return found != classes.end() ? &*found : nullptr;
 }

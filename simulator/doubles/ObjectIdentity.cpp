@@ -77,9 +77,8 @@ std::vector<std::string> OrderOfLastReleases(const std::vector<std::string>& cla
     std::vector<std::string> order;
     for (auto subject = subjects.rbegin(); subject != subjects.rend(); ++subject)
     {
-        const auto name =
-            std::find_if(classNames.begin(), classNames.end(),
-                         [&](const std::string& candidate) { return candidate + "::Release" == *subject; });
+        const auto name = std::find_if(classNames.begin(), classNames.end(), [&](const std::string& candidate)
+                                       { return candidate + "::Release" == *subject; });
         if (name != classNames.end() && std::find(order.begin(), order.end(), *name) == order.end())
             order.push_back(*name);
     }

@@ -25,11 +25,9 @@ constexpr std::array<std::string_view, 7> UsualNamespaces = {
 std::optional<std::string> NormalNamespace(std::string_view path)
 {
     std::string name(path);
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](char character) {
-                       return character == '/' ? '\\'
-                                               : static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
-                   });
+    std::transform(
+        name.begin(), name.end(), name.begin(), [](char character)
+        { return character == '/' ? '\\' : static_cast<char>(std::tolower(static_cast<unsigned char>(character))); });
     if (name.starts_with(R"(\\.\)"))
         name.erase(0, 4);
     const bool isReadable = name == "root" || name.starts_with(R"(root\)");
@@ -43,8 +41,7 @@ bool NamespaceExists(std::string_view normalName)
     const nlohmann::json fact = Facts::Instance().Get("/wmi/namespaces");
     if (!fact.is_array())
         return std::find(UsualNamespaces.begin(), UsualNamespaces.end(), normalName) != UsualNamespaces.end();
-    return std::any_of(fact.begin(), fact.end(),
-                       [&](const nlohmann::json& entry)
+    return std::any_of(fact.begin(), fact.end(), [&](const nlohmann::json& entry)
                        { return entry.is_string() && NormalNamespace(entry.get<std::string>()) == normalName; });
 }
 } // namespace Simulator

@@ -36,8 +36,7 @@ std::vector<std::string> Words(std::string_view text)
 
 bool IsClassName(std::string_view word)
 {
-    return std::all_of(word.begin(), word.end(),
-                       [](char character)
+    return std::all_of(word.begin(), word.end(), [](char character)
                        { return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_'; });
 }
 
@@ -52,8 +51,7 @@ std::optional<long> Number(std::string_view word)
 bool EqualNames(std::string_view left, std::string_view right)
 {
     return std::equal(
-        left.begin(), left.end(), right.begin(), right.end(),
-        [](char a, char b)
+        left.begin(), left.end(), right.begin(), right.end(), [](char a, char b)
         { return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b)); });
 }
 

@@ -47,8 +47,7 @@ HMODULE Decide(const char* function, const wchar_t* path, HMODULE (*load)(const 
 
 HMODULE WINAPI LoadLibraryWOfMachine(LPCWSTR path)
 {
-    return Decide(
-        "LoadLibraryW", path, [](const wchar_t* name, DWORD) { return LoadLibraryW(name); }, 0);
+    return Decide("LoadLibraryW", path, [](const wchar_t* name, DWORD) { return LoadLibraryW(name); }, 0);
 }
 
 HMODULE WINAPI LoadLibraryExWOfMachine(LPCWSTR path, HANDLE, DWORD flags)
@@ -63,8 +62,7 @@ HMODULE WINAPI GetModuleHandleWOfMachine(LPCWSTR path)
     // The program's own module: not a question about the machine.
     if (path == nullptr)
         return GetModuleHandleW(nullptr);
-    return Decide(
-        "GetModuleHandleW", path, [](const wchar_t* name, DWORD) { return GetModuleHandleW(name); }, 0);
+    return Decide("GetModuleHandleW", path, [](const wchar_t* name, DWORD) { return GetModuleHandleW(name); }, 0);
 }
 } // namespace
 

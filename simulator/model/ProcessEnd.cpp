@@ -4,12 +4,18 @@
 
 namespace Simulator
 {
+namespace
+{
+using RtlDllShutdownInProgressFunction = BOOLEAN(NTAPI*)();
+
+// Looked up before the program's first line: a process that ends must not wait for the loader, and a redirected
+// GetModuleHandleW asks for it itself.
+const auto g_pfnRtlDllShutdownInProgress = reinterpret_cast<RtlDllShutdownInProgressFunction>(
+    reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress")));
+} // namespace
+
 bool ProcessIsEnding() noexcept
 {
-    using RtlDllShutdownInProgressFunction = BOOLEAN(NTAPI*)();
-    // Looked up early: a process that ends must not wait for the loader.
-    static const auto rtlDllShutdownInProgress = reinterpret_cast<RtlDllShutdownInProgressFunction>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlDllShutdownInProgress")));
-    return rtlDllShutdownInProgress() != FALSE;
+    return g_pfnRtlDllShutdownInProgress != nullptr && g_pfnRtlDllShutdownInProgress() != FALSE;
 }
 } // namespace Simulator

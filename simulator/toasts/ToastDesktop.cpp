@@ -103,9 +103,8 @@ void ToastDesktop::Hide(Abi::IToastNotification* toast)
     unsigned number = 0;
     {
         const std::lock_guard lock(m_lock);
-        const auto found =
-            std::find_if(m_lstEntries.begin(), m_lstEntries.end(),
-                         [toast](const Entry& entry) { return entry.m_spToast.GetInterfacePtr() == toast; });
+        const auto found = std::find_if(m_lstEntries.begin(), m_lstEntries.end(), [toast](const Entry& entry)
+                                        { return entry.m_spToast.GetInterfacePtr() == toast; });
         number = found == m_lstEntries.end() ? 0 : found->m_visible.m_nNumber;
     }
     static_cast<void>(EndByDismissal(number, Abi::ToastDismissalReason_ApplicationHidden));

@@ -9,7 +9,7 @@ namespace Simulator
 namespace
 {
 template <class ArgsObject, class ArgsInterface, class Handlers, class... Values>
-void Raise(const Abi::IToastNotificationPtr& sender, Handlers ToastEvents::*handlers, Values... values)
+void Raise(const Abi::IToastNotificationPtr& sender, Handlers ToastEvents::* handlers, Values... values)
 {
     EventPool::Instance().Post(
         [sender, handlers, values...]

@@ -150,8 +150,7 @@ void ToastScreen::Update()
     std::erase_if(m_mapWindows,
                   [&toasts](const auto& window)
                   {
-                      return std::none_of(toasts.begin(), toasts.end(),
-                                          [&window](const VisibleToast& toast)
+                      return std::none_of(toasts.begin(), toasts.end(), [&window](const VisibleToast& toast)
                                           { return toast.m_nNumber == window.first; });
                   });
 

@@ -1,11 +1,9 @@
-#include "notifications/DesktopToast.h"
 #include "simulator/doubles/JournalText.h"
 #include "simulator/model/Facts.h"
 #include "tests/faults/FaultableFunction.h"
 #include "tests/faults/FaultSweep.h"
 #include "tests/notifications/HeapLedger.h"
-#include "tests/notifications/ScratchFolder.h"
-#include "tests/notifications/ShellLinkDouble.h"
+#include "tests/notifications/ShellLinkMachine.h"
 #include "tests/support/LogCapture.h"
 
 #include <windows.h>
@@ -24,8 +22,8 @@ using testing::Contains;
 
 namespace
 {
-// A Start menu, and a shell link whose Save breaks off in the middle when it fails.
-class InstallShortcutSweepTest : public testing::Test
+// A shell link whose Save breaks off in the middle when it fails.
+class InstallShortcutSweepTest : public ShellLinkMachine
 {
 protected:
     InstallShortcutSweepTest()
@@ -36,10 +34,7 @@ protected:
 
     void RemoveShortcut() { std::filesystem::remove(m_startMenu.ShortcutPath()); }
 
-    DesktopToast m_toast{nullptr, nullptr};
     HRESULT m_hrResult = E_UNEXPECTED;
-    ScratchStartMenu m_startMenu;
-    ShellLinkRedirection m_shellLinks;
     FaultSweep m_sweep;
     FaultableFunction<struct VariableTag, decltype(GetEnvironmentVariableW)> m_variable{"GetEnvironmentVariableW", 0,
                                                                                         ERROR_ENVVAR_NOT_FOUND};

@@ -1,12 +1,8 @@
-#include "notifications/DesktopToast.h"
-
 #include "simulator/doubles/JournalText.h"
 #include "simulator/model/CallPlan.h"
 #include "simulator/model/Facts.h"
-#include "simulator/model/Journal.h"
 #include "simulator/model/LiveObjects.h"
-#include "tests/notifications/ScratchFolder.h"
-#include "tests/notifications/ShellLinkDouble.h"
+#include "tests/notifications/ShellLinkMachine.h"
 #include "tests/support/LogCapture.h"
 
 #include <windows.h>
@@ -18,7 +14,6 @@
 
 using Simulator::CallPlan;
 using Simulator::Facts;
-using Simulator::Journal;
 using Simulator::LiveObjects;
 using Simulator::Redirection;
 using testing::ElementsAre;
@@ -50,16 +45,8 @@ LPVOID WINAPI NoTaskMemory(SIZE_T)
     return nullptr;
 }
 
-class DesktopToastShortcutFailureTest : public testing::Test
+class DesktopToastShortcutFailureTest : public ShellLinkMachine
 {
-protected:
-    ~DesktopToastShortcutFailureTest() override { EXPECT_EQ(LiveObjects::Count(), 0); }
-
-    static std::vector<std::string> Calls() { return Journal::Instance().Subjects("call"); }
-
-    DesktopToast m_toast{nullptr, nullptr};
-    ScratchStartMenu m_startMenu;
-    ShellLinkRedirection m_shellLinks;
 };
 } // namespace
 
@@ -69,9 +56,7 @@ TEST_F(DesktopToastShortcutFailureTest, Install_AStepFails_GivesItsCodeAndNoFile
                              "IPropertyStore::Commit", "IPersistFile::Save"})
     {
         SCOPED_TRACE(step);
-        CallPlan::Instance().Reset();
-        Journal::Instance().Clear();
-        TestSupport::ClearLog();
+        StartOver();
         CallPlan::Instance().Fail(step, g_hrPlanned);
         EXPECT_EQ(m_toast.TryCreateShortcut(), g_hrPlanned);
         EXPECT_EQ(Calls().back(), step); // nothing is tried after it
@@ -153,7 +138,7 @@ TEST_F(DesktopToastShortcutFailureTest, TryCreate_FolderMissing_TriesToInstall)
     g_answer = INVALID_FILE_ATTRIBUTES;
     for (const DWORD error : {ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND})
     {
-        Journal::Instance().Clear();
+        StartOver();
         g_error = error;
         EXPECT_EQ(m_toast.TryCreateShortcut(), S_OK);
         EXPECT_EQ(Calls().back(), "IPersistFile::Save");

@@ -1,11 +1,6 @@
-#include "notifications/DesktopToast.h"
-
 #include "simulator/doubles/JournalText.h"
-#include "simulator/model/CallPlan.h"
 #include "simulator/model/Journal.h"
-#include "simulator/model/LiveObjects.h"
-#include "tests/notifications/ScratchFolder.h"
-#include "tests/notifications/ShellLinkDouble.h"
+#include "tests/notifications/ShellLinkMachine.h"
 #include "tests/support/LogCapture.h"
 
 #include <gmock/gmock.h>
@@ -21,26 +16,8 @@ namespace
 constexpr wchar_t BelowAppData[] = L"\\Microsoft\\Windows\\Start Menu\\Programs\\Toaster Message.lnk";
 constexpr std::size_t BelowAppDataLength = std::size(BelowAppData) - 1;
 
-// A shell link that only records, and a Start menu without a shortcut.
-class DesktopToastShortcutTest : public testing::Test
+class DesktopToastShortcutTest : public ShellLinkMachine
 {
-protected:
-    ~DesktopToastShortcutTest() override { EXPECT_EQ(Simulator::LiveObjects::Count(), 0); }
-
-    static nlohmann::json Details(const char* call)
-    {
-        for (const Simulator::JournalEntry& entry : Journal::Instance().Entries())
-        {
-            if (entry.m_strSubject == call)
-                return entry.m_details;
-        }
-        return nullptr;
-    }
-    static std::vector<std::string> Calls() { return Journal::Instance().Subjects("call"); }
-
-    DesktopToast m_toast{nullptr, nullptr};
-    ScratchStartMenu m_startMenu;
-    ShellLinkRedirection m_shellLinks;
 };
 
 std::string ProgramPath()

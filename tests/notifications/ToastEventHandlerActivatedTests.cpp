@@ -57,6 +57,12 @@ HINSTANCE WINAPI CountedShellExecute(HWND, LPCWSTR, LPCWSTR, LPCWSTR, LPCWSTR, I
 class ToastEventHandlerActivatedTest : public testing::Test
 {
 protected:
+    ToastEventHandlerActivatedTest()
+    {
+        g_shell.m_nCalls = 0;
+        g_shell.m_nAnswer = 42;
+    }
+
     [[nodiscard]] HRESULT Click() { return m_spHandler->Invoke(nullptr, nullptr); }
 
     // Both windows are known to the handler, so that a wrong owner would be seen.

@@ -37,6 +37,7 @@ IToastDismissedEventArgsPtr Arguments(INT32 reason)
 class ToastEventHandlerDismissedTest : public testing::Test
 {
 protected:
+    ToastEventHandlerDismissedTest() { CallPlan::Instance().Reset(); }
     ~ToastEventHandlerDismissedTest() override { EXPECT_EQ(Simulator::LiveObjects::Count(), 0); }
 
     [[nodiscard]] HRESULT Dismiss(INT32 reason) { return m_spHandler->Invoke(nullptr, Arguments(reason)); }

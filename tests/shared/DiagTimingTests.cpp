@@ -22,8 +22,7 @@ bool IsDiagTimingOn(std::initializer_list<Range> ranges)
     CLogger::Listeners listeners;
     auto next = listeners.begin();
     for (const Range& range : ranges)
-        *next++ = ListenerDouble::Make(
-            range.m_pMinimum, range.m_pMaximum, [](const auto&) {}, range.m_nKind);
+        *next++ = ListenerDouble::Make(range.m_pMinimum, range.m_pMaximum, [](const auto&) {}, range.m_nKind);
     return CLogger(std::move(listeners)).IsDiagTimingOn();
 }
 

@@ -54,9 +54,9 @@ TEST(RecordPrefix, LargestNumbers_FillTheBufferExactly)
 // Every value that a field can hold, one field at a time.
 TEST(RecordPrefix, EveryValueOfEveryField_EqualsThePrintf)
 {
-    WORD SYSTEMTIME::*const fields[] = {&SYSTEMTIME::wYear,        &SYSTEMTIME::wMonth,  &SYSTEMTIME::wDay,
-                                        &SYSTEMTIME::wHour,        &SYSTEMTIME::wMinute, &SYSTEMTIME::wSecond,
-                                        &SYSTEMTIME::wMilliseconds};
+    WORD SYSTEMTIME::* const fields[] = {&SYSTEMTIME::wYear,        &SYSTEMTIME::wMonth,  &SYSTEMTIME::wDay,
+                                         &SYSTEMTIME::wHour,        &SYSTEMTIME::wMinute, &SYSTEMTIME::wSecond,
+                                         &SYSTEMTIME::wMilliseconds};
     for (const auto field : fields)
     {
         for (unsigned value = 0; value <= 0xFFFF; ++value)

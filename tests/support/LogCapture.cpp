@@ -120,8 +120,7 @@ std::size_t LogCount(int level, std::string_view function, std::wstring_view mes
 {
     const std::vector<LogRecord> records = LogRecords();
     return static_cast<std::size_t>(std::count_if(
-        records.begin(), records.end(),
-        [&](const LogRecord& record)
+        records.begin(), records.end(), [&](const LogRecord& record)
         { return record.m_nLevel == level && record.m_strFunction == function && record.m_strMessage == message; }));
 }
 

@@ -158,7 +158,8 @@ TEST_F(PublicWMIEventSinkTest, Indicate_LongDescription_RecordIsCutDataIsNot)
     EXPECT_EQ(m_hub.Calls()[0].m_strValue.size(), text.size());
     const auto records = TestSupport::LogRecords();
     EXPECT_TRUE(std::any_of(records.begin(), records.end(),
-                            [](const auto& record) {
+                            [](const auto& record)
+                            {
                                 return record.m_strMessage.starts_with(L"Event data/Description : xxx") &&
                                        record.m_strMessage.size() == 511;
                             }));

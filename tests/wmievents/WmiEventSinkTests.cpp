@@ -122,6 +122,15 @@ TEST_F(WmiEventSinkTest, Indicate_IdUnreadable_IdIsZero)
                             L"Verbose|Notifications::OrvikWmiEvents::WmiEventSink::Indicate|Event data: 7"));
 }
 
+TEST_F(WmiEventSinkTest, Indicate_IdUnreadableAfterAGoodOne_IsZeroAgain)
+{
+    Deliver(m_pWithParams, {Event({{"EventID", 21}, {"EventData", 1}}), Event({{"EventData", 2}})});
+    const auto calls = m_hub.Calls();
+    ASSERT_EQ(calls.size(), 2u);
+    EXPECT_EQ(calls[0].m_nEventId, 21);
+    EXPECT_EQ(calls[1].m_nEventId, 0);
+}
+
 TEST_F(WmiEventSinkTest, Indicate_DataOfAnotherType_IsHandedOnAsItIs)
 {
     Deliver(m_pWithParams, {Event({{"EventID", 21}, {"EventData", "text"}})});

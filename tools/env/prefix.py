@@ -32,7 +32,7 @@ class RunFolder:
         try:
             with open(folder / "lock", "r", encoding="ascii") as lock:
                 fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
-                for prefix in folder.glob("win*/"):
+                for prefix in folder.glob("*/"):
                     wine.ask_server("-k", wine.environment(prefix, None))
                 shutil.rmtree(folder, ignore_errors=True)
         except OSError:
@@ -51,10 +51,10 @@ class RunFolder:
 class Prefix:
     """One Windows. `environment` holds the variables of a program that runs in it."""
 
-    def __init__(self, wine, folder, version, display):
+    def __init__(self, wine, folder, name, version, display):
         self._wine = wine
-        self._log_path = folder.path / f"{version}.log"
-        self.path = folder.path / version
+        self._log_path = folder.path / f"{name}.log"
+        self.path = folder.path / name
         clone(wine.template(version), self.path)
         if not display:
             with open(self.path / "user.reg", "a", encoding="ascii") as registry:

@@ -71,7 +71,8 @@ TEST_F(ComRedirectionsTest, CoCreateInstance_RefusesAsComDoes)
 TEST_F(ComRedirectionsTest, CoCreateInstance_NeedsAnApartment)
 {
     OnBareThread(
-        [&] {
+        [&]
+        {
             EXPECT_EQ(Create(WbemLocatorClassId, CLSCTX_INPROC_SERVER, IID_IUnknown, m_spObject), CO_E_NOTINITIALIZED);
         });
     OnThread(COINIT_MULTITHREADED,

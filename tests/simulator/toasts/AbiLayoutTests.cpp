@@ -21,10 +21,7 @@ struct IdRow
     const IID& m_machine;
 };
 
-#define INTERFACE_ID(id, interface)                                                                                    \
-    {                                                                                                                  \
-        id, __uuidof(ToastAbi::interface), __uuidof(Simulator::Abi::interface)                                         \
-    }
+#define INTERFACE_ID(id, interface) {id, __uuidof(ToastAbi::interface), __uuidof(Simulator::Abi::interface)}
 const IdRow g_ids[] = {
     INTERFACE_ID(L"{1C741D59-2122-47D5-A856-83F3D4214875}", IXmlNode),
     INTERFACE_ID(L"{8C60AD77-83A4-4EC1-9C54-7BA429E13DA6}", IXmlNodeList),
