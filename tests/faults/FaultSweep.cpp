@@ -24,6 +24,8 @@ namespace
 {
 // No operation of the agent makes that many calls: a sweep that gets there does not end.
 constexpr unsigned g_nMostCalls = 500;
+// So often a run may leave over what the process makes once; what is left over every time is a leak.
+constexpr int g_nOneTimeMakings = 3;
 
 // The automation functions of the program may fail; they lie above the ledger, which redirects the same ones and counts
 // what is allocated nevertheless.
@@ -161,13 +163,15 @@ void FaultSweep::ExpectBalanced(const std::function<std::string()>& run)
 {
     Balance before;
     std::string description = run();
-    // What the process makes once and keeps, for its first exception for instance, is not left over a second time.
-    if (Settled(before) != before)
+    Balance after = Settled(before);
+    // What the process makes once and keeps, for its first exception or for one more thread of the pool, is not left
+    // over each time.
+    for (int again = 0; again < g_nOneTimeMakings && after != before; ++again)
     {
         before = Balance();
         description = run();
+        after = Settled(before);
     }
-    const Balance after = Settled(before);
     EXPECT_EQ(after.m_mapObjects, before.m_mapObjects) << description;
     EXPECT_EQ(after.m_lstTexts, before.m_lstTexts) << description;
     EXPECT_EQ(after.m_nHandles, before.m_nHandles) << description;

@@ -65,9 +65,12 @@ class Prefix:
     def start(self):
         """Begins to start the server and the services; the first program hands its output to them, so it gets none."""
         self._wine.ask_server(f"-p{_SERVER_SECONDS}", self.environment)
-        self._first_program = subprocess.Popen(
-            [self._wine.loader, "cmd", "/c", "exit"], env=self.environment, stdin=subprocess.DEVNULL,
-            stdout=subprocess.DEVNULL, stderr=open(self._log_path, "ab"))
+        self._first_program = self._run("cmd", "/c", "exit")
+
+    def _run(self, *command):
+        with open(self._log_path, "ab") as log:
+            return subprocess.Popen([self._wine.loader, *command], env=self.environment, stdin=subprocess.DEVNULL,
+                                    stdout=subprocess.DEVNULL, stderr=log)
 
     def wait_until_started(self):
         try:
@@ -78,6 +81,15 @@ class Prefix:
             said = self._log_path.read_text(errors="replace").strip().splitlines()
             raise EnvironmentFault(f"Wine did not start in {self.path.name} ({code}): {said[-1:] or 'it said nothing'}; "
                                    f"if this stays, remove {places.WINE}.")
+        self._start_desktop()
+
+    def _start_desktop(self):
+        """The desktop, too, gets the output of the program that needs it first, and whoever reads that output would wait
+        for the desktop's end. So it stands before the first test, and stays."""
+        self._run("explorer.exe", "/desktop")
+        # Makes a window, for which it waits until there is a desktop, and ends.
+        if self._run("rundll32.exe", "user32.dll,UpdateWindow").wait(_SECONDS_TO_START):
+            raise EnvironmentFault(f"Wine made no desktop in {self.path.name}; if this stays, remove {places.WINE}.")
 
     def run_script(self, script, environment):
         mine = {**environment, **{name: self.environment[name] for name in ("WINEPREFIX", "DISPLAY") if name in self.environment},
