@@ -169,7 +169,7 @@ void LogSubjects::PrefixByHand(std::size_t times)
     {
         wchar_t buffer[RecordPrefixCapacity];
         time.wMilliseconds = static_cast<WORD>(i % 1000);
-        WriteRecordPrefix(buffer, time, 0x1A2C, Level::Information);
+        WriteRecordPrefix(buffer, time, 0x1A2C, L"Information");
         Keep(buffer);
     }
 }

@@ -17,14 +17,15 @@ std::function<void(ScenarioRun&)> ReadStart(const nlohmann::json& value, const s
     return [exitCode](ScenarioRun& run) { run.Start(exitCode); };
 }
 
-// {"exit-code": 0, "message": WM_CLOSE}
+// {"exit-code": 0, "message": WM_CLOSE, "wparam": 0}
 std::function<void(ScenarioRun&)> ReadStop(const nlohmann::json& value, const std::string& place)
 {
     ObjectReader reader(value, place);
     const auto message = reader.Get<unsigned>("message", WM_CLOSE);
+    const auto wParam = reader.Get<std::uint64_t>("wparam", 0);
     const auto exitCode = reader.Get<DWORD>("exit-code", 0);
     reader.Finish();
-    return [=](ScenarioRun& run) { run.Stop(message, exitCode); };
+    return [=](ScenarioRun& run) { run.Stop(message, wParam, exitCode); };
 }
 
 // {"exit-code": 1}

@@ -14,44 +14,75 @@ bool StartsWithOneOf(const std::string& name, const std::vector<std::string>& pr
                                            [&](const std::string& prefix) { return name.starts_with(prefix); });
 }
 
-std::string Listed(const std::vector<std::string>& names)
-{
-    std::string text;
-    for (const std::string& name : names)
-        text += "\n    " + name;
-    return text.empty() ? " none" : text;
-}
-
-std::vector<std::string> CallsSinceMark(const ScenarioRun& run, const std::vector<std::string>& among)
-{
-    std::vector<std::string> calls;
-    for (const Entry& entry : run.SinceMark())
-    {
-        if (entry.m_strKind == "call" && StartsWithOneOf(entry.m_strSubject, among))
-            calls.push_back(entry.m_strSubject);
-    }
-    return calls;
-}
-
-// {"calls": [names], "among": [beginnings of names]}: of the calls among those, exactly these were made, in this order.
-Action ReadExpectCalls(const nlohmann::json& value, const std::string& place)
-{
-    ObjectReader reader(value, place);
-    const auto expected = reader.Get<std::vector<std::string>>("calls");
-    const auto among = reader.Get<std::vector<std::string>>("among", expected);
-    reader.Finish();
-    return [=](ScenarioRun& run)
-    {
-        const std::vector<std::string> calls = CallsSinceMark(run, among);
-        if (calls != expected)
-            throw StepFailure("expected calls:" + Listed(expected) + "\n  calls made:" + Listed(calls));
-    };
-}
-
 bool Includes(const nlohmann::json& whole, const nlohmann::json& part)
 {
     return std::all_of(part.items().begin(), part.items().end(), [&](const auto& item)
                        { return whole.contains(item.key()) && whole.at(item.key()) == item.value(); });
+}
+
+struct Call
+{
+    std::string m_strName;
+    nlohmann::json m_details = nlohmann::json::object(); // some of them, for an expected one
+
+    [[nodiscard]] bool IsMetBy(const Call& made) const
+    {
+        return made.m_strName == m_strName && Includes(made.m_details, m_details);
+    }
+};
+
+using Calls = std::vector<Call>;
+
+std::string Listed(const Calls& calls)
+{
+    std::string text;
+    for (const Call& call : calls)
+        text += "\n    " + call.m_strName + (call.m_details.empty() ? "" : " " + call.m_details.dump());
+    return text.empty() ? " none" : text;
+}
+
+Calls CallsSinceMark(const ScenarioRun& run, const std::vector<std::string>& among)
+{
+    Calls calls;
+    for (const Entry& entry : run.SinceMark())
+    {
+        if (entry.m_strKind == "call" && StartsWithOneOf(entry.m_strSubject, among))
+            calls.push_back({entry.m_strSubject, entry.m_details});
+    }
+    return calls;
+}
+
+// The name of a call, or {"call": name, "details": {some of them}}.
+Call ReadCall(const nlohmann::json& value, const std::string& place)
+{
+    if (value.is_string())
+        return {value.get<std::string>()};
+    ObjectReader reader(value, place);
+    Call call{reader.Get<std::string>("call"), reader.Get<nlohmann::json>("details", nlohmann::json::object())};
+    reader.Finish();
+    return call;
+}
+
+// {"calls": [calls], "among": [beginnings of names]}: of the calls among those, exactly these were made, in this order.
+Action ReadExpectCalls(const nlohmann::json& value, const std::string& place)
+{
+    ObjectReader reader(value, place);
+    Calls expected;
+    std::vector<std::string> names;
+    for (const nlohmann::json& call : reader.Get<std::vector<nlohmann::json>>("calls"))
+    {
+        expected.push_back(ReadCall(call, reader.PlaceOf("calls/" + std::to_string(expected.size()))));
+        names.push_back(expected.back().m_strName);
+    }
+    const auto among = reader.Get<std::vector<std::string>>("among", names);
+    reader.Finish();
+    return [=](ScenarioRun& run)
+    {
+        const Calls calls = CallsSinceMark(run, among);
+        if (!std::equal(expected.begin(), expected.end(), calls.begin(), calls.end(),
+                        [](const Call& wanted, const Call& made) { return wanted.IsMetBy(made); }))
+            throw StepFailure("expected calls:" + Listed(expected) + "\n  calls made:" + Listed(calls));
+    };
 }
 
 // {"kind", "subject", "details": {some of them}, "within": ms}: any entry of the machine's journal.

@@ -73,7 +73,7 @@ bool RunInteractive(Options options)
                 CarryOut(run, WithoutLineEnd(line));
         }
         if (run.IsRunning())
-            run.Stop(WM_CLOSE, 0);
+            run.Stop(WM_CLOSE, 0, 0);
         return true;
     }
     catch (const StepFailure& failure)

@@ -136,8 +136,11 @@ void Apply(const RegistryValue& value)
         RegDeleteValueW(key.get(), value.m_strName.c_str());
     else if (!value.m_bKeyOnly)
     {
-        if (const LSTATUS code = RegSetValueExW(key.get(), value.m_strName.c_str(), 0, value.m_dwType,
-                                                value.m_lstData.data(), static_cast<DWORD>(value.m_lstData.size()));
+        // The system lengthens a text without terminator when zeros happen to follow it in memory.
+        std::vector<unsigned char> guarded = value.m_lstData;
+        guarded.insert(guarded.end(), {0xFF, 0xFF});
+        if (const LSTATUS code = RegSetValueExW(key.get(), value.m_strName.c_str(), 0, value.m_dwType, guarded.data(),
+                                                static_cast<DWORD>(value.m_lstData.size()));
             code != ERROR_SUCCESS)
             Fail("RegSetValueExW", code, value);
     }

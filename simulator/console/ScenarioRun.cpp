@@ -58,12 +58,13 @@ void ScenarioRun::RunSecondCopy(DWORD exitCode)
                           std::to_string(exitCode));
 }
 
-void ScenarioRun::Stop(unsigned message, DWORD exitCode)
+void ScenarioRun::Stop(unsigned message, std::uint64_t wParam, DWORD exitCode)
 {
     Mark();
     Say("you", "ask the agent to end");
     AgentSession& agent = Agent();
-    agent.AnswerOrEnd(agent.Send({{"command", "message"}, {"message", message}}), m_options.m_limit);
+    agent.AnswerOrEnd(agent.Send({{"command", "message"}, {"message", message}, {"wparam", wParam}}),
+                      m_options.m_limit);
     CheckEnd(exitCode);
 }
 

@@ -22,7 +22,7 @@ public:
     // Another copy beside the running agent, until it has ended.
     void RunSecondCopy(DWORD exitCode);
     // Posts the message to the main window, waits for the end and compares the exit code.
-    void Stop(unsigned message, DWORD exitCode);
+    void Stop(unsigned message, std::uint64_t wParam, DWORD exitCode);
     void CheckEnd(DWORD exitCode);
     [[nodiscard]] bool IsRunning() const noexcept { return m_pAgent != nullptr; }
 

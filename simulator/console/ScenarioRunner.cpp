@@ -85,7 +85,7 @@ bool RunSteps(const Scenario& scenario, const Options& options, EntryLog& entrie
         }
         place = "end of the scenario";
         if (run.IsRunning())
-            run.Stop(WM_CLOSE, 0);
+            run.Stop(WM_CLOSE, 0, 0);
         return true;
     }
     catch (const StepFailure& failure)

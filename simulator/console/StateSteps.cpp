@@ -95,21 +95,6 @@ Action ReadInstalled(const nlohmann::json& value, const std::string& place)
     };
 }
 
-// {"path": text, "exists": true}
-Action ReadExpectFile(const nlohmann::json& value, const std::string& place)
-{
-    ObjectReader reader(value, place);
-    const std::wstring written = Wide(reader.Get<std::string>("path"));
-    const bool exists = reader.Get<bool>("exists", true);
-    reader.Finish();
-    return [written, exists](ScenarioRun&)
-    {
-        const std::wstring path = ExpandVariables(written);
-        if (std::filesystem::exists(path) != exists)
-            throw StepFailure(Narrow(path) + (exists ? " is missing" : " is there"));
-    };
-}
-
 // Milliseconds; for what has no end that could be seen.
 Action ReadPause(const nlohmann::json& value, const std::string& place)
 {
@@ -123,7 +108,6 @@ Action ReadPause(const nlohmann::json& value, const std::string& place)
 std::vector<StepKind> StateSteps()
 {
     return {{"facts", &ReadFacts}, {"policies", &ReadPolicies},   {"registry", &ReadRegistry},
-            {"files", &ReadFiles}, {"installed", &ReadInstalled}, {"expect-file", &ReadExpectFile},
-            {"pause", &ReadPause}};
+            {"files", &ReadFiles}, {"installed", &ReadInstalled}, {"pause", &ReadPause}};
 }
 } // namespace Simulator

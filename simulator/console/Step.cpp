@@ -8,7 +8,7 @@ std::map<std::string, StepReader> AllKinds()
 {
     std::map<std::string, StepReader> kinds;
     for (const auto& group : {AgentSteps(), EventSteps(), UserSteps(), StateSteps(), PlanSteps(), ToastExpectations(),
-                              LogExpectations(), CallExpectations()})
+                              LogExpectations(), CallExpectations(), FileExpectations()})
     {
         for (const StepKind& kind : group)
             kinds[kind.m_pName] = kind.m_pfnRead;

@@ -35,4 +35,5 @@ struct StepKind
 [[nodiscard]] std::vector<StepKind> ToastExpectations();
 [[nodiscard]] std::vector<StepKind> LogExpectations();
 [[nodiscard]] std::vector<StepKind> CallExpectations();
+[[nodiscard]] std::vector<StepKind> FileExpectations();
 } // namespace Simulator

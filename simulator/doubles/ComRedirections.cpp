@@ -34,13 +34,14 @@ HRESULT CreateInProcess(const DoubleClass& doubleClass, IUnknown* outer, DWORD c
 
 HRESULT WINAPI PlannedCoInitialize(LPVOID reserved)
 {
-    const HRESULT hr = CallPlan::Instance().Enter("CoInitialize");
+    const HRESULT hr = CallPlan::Instance().Enter("CoInitialize", {{"reserved", reserved != nullptr}});
     return FAILED(hr) ? hr : Real().CoInitialize(reserved);
 }
 
 HRESULT WINAPI PlannedCoInitializeEx(LPVOID reserved, DWORD flags)
 {
-    const HRESULT hr = CallPlan::Instance().Enter("CoInitializeEx", {{"flags", flags}});
+    const HRESULT hr =
+        CallPlan::Instance().Enter("CoInitializeEx", {{"reserved", reserved != nullptr}, {"flags", flags}});
     return FAILED(hr) ? hr : Real().CoInitializeEx(reserved, flags);
 }
 
@@ -56,12 +57,15 @@ HRESULT WINAPI PlannedCoInitializeSecurity(PSECURITY_DESCRIPTOR descriptor, LONG
                                            DWORD authenticationLevel, DWORD impersonationLevel, void* identities,
                                            DWORD capabilities, void* reserved2)
 {
-    const HRESULT hr =
-        CallPlan::Instance().Enter("CoInitializeSecurity", {{"descriptor", descriptor != nullptr},
-                                                            {"services", services},
-                                                            {"authentication-level", authenticationLevel},
-                                                            {"impersonation-level", impersonationLevel},
-                                                            {"capabilities", capabilities}});
+    const HRESULT hr = CallPlan::Instance().Enter("CoInitializeSecurity",
+                                                  {{"descriptor", descriptor != nullptr},
+                                                   {"services", services},
+                                                   {"list", list != nullptr},
+                                                   {"authentication-level", authenticationLevel},
+                                                   {"impersonation-level", impersonationLevel},
+                                                   {"identities", identities != nullptr},
+                                                   {"capabilities", capabilities},
+                                                   {"reserved", reserved1 != nullptr || reserved2 != nullptr}});
     return FAILED(hr) ? hr
                       : Real().CoInitializeSecurity(descriptor, services, list, reserved1, authenticationLevel,
                                                     impersonationLevel, identities, capabilities, reserved2);

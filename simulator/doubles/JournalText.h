@@ -1,18 +1,16 @@
 #pragma once
 
+#include "simulator/model/Text.h"
+
 #include <windows.h>
 
 #include <objbase.h>
 
 #include <nlohmann/json.hpp>
 #include <string>
-#include <string_view>
 
 namespace Simulator
 {
-// UTF-16 and UTF-8, each way; what is not valid becomes U+FFFD, so that any text of the product can be journalled.
-[[nodiscard]] std::string Narrow(std::wstring_view text);
-[[nodiscard]] std::wstring Wide(std::string_view text);
 // A BSTR that may be null, with the characters behind an embedded zero.
 [[nodiscard]] std::string NarrowBstr(const OLECHAR* text);
 

@@ -1,7 +1,6 @@
 #include "simulator/doubles/WmiSubscriptions.h"
 
-#include <algorithm>
-#include <iterator>
+#include <utility>
 
 namespace Simulator
 {
@@ -27,16 +26,14 @@ void WmiSubscriptions::Add(WmiSubscription subscription)
 std::vector<WmiSubscription> WmiSubscriptions::Remove(const void* connection, IWbemObjectSink* sink)
 {
     const std::lock_guard lock(m_lock);
-    const auto goes = std::stable_partition(m_lstSubscriptions.begin(), m_lstSubscriptions.end(),
-                                            [&](const WmiSubscription& subscription)
-                                            {
-                                                const bool isSink =
-                                                    sink == nullptr || subscription.m_spSink.get() == sink;
-                                                return subscription.m_pConnection != connection || !isSink;
-                                            });
-    std::vector<WmiSubscription> removed(std::make_move_iterator(goes),
-                                         std::make_move_iterator(m_lstSubscriptions.end()));
-    m_lstSubscriptions.erase(goes, m_lstSubscriptions.end());
+    std::vector<WmiSubscription> kept;
+    std::vector<WmiSubscription> removed;
+    for (WmiSubscription& subscription : m_lstSubscriptions)
+    {
+        const bool isSink = sink == nullptr || subscription.m_spSink.get() == sink;
+        (subscription.m_pConnection == connection && isSink ? removed : kept).push_back(std::move(subscription));
+    }
+    m_lstSubscriptions = std::move(kept);
     return removed;
 }
 

@@ -27,7 +27,11 @@ void Change(std::string_view className, long difference)
         return;
     Counts& counts = TheCounts();
     const std::lock_guard lock(counts.m_lock);
-    counts.m_mapCounts.try_emplace(std::string(className), 0).first->second += difference;
+    // Looked for first, so that an object's end allocates nothing.
+    auto entry = counts.m_mapCounts.find(className);
+    if (entry == counts.m_mapCounts.end())
+        entry = counts.m_mapCounts.emplace(className, 0).first;
+    entry->second += difference;
 }
 } // namespace
 

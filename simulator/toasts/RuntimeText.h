@@ -4,7 +4,6 @@
 
 #include <hstring.h>
 
-#include <string>
 #include <string_view>
 
 namespace Simulator
@@ -23,6 +22,4 @@ public:
     [[nodiscard]] static std::wstring_view View(HSTRING string);
     static void Free(HSTRING string);
 };
-
-[[nodiscard]] std::string ToUtf8(std::wstring_view text);
 } // namespace Simulator

@@ -1,6 +1,7 @@
 #include "simulator/toasts/ToastActivation.h"
 
 #include "simulator/model/Facts.h"
+#include "simulator/model/Text.h"
 #include "simulator/toasts/ToastFactories.h"
 
 namespace Simulator
@@ -8,7 +9,7 @@ namespace Simulator
 HRESULT GetToastActivationFactory(HSTRING classId, IActivationFactory** factory)
 {
     const std::wstring_view name = RuntimeText::View(classId);
-    const HRESULT hr = BeginCall("DllGetActivationFactory", factory, {{"class", ToUtf8(name)}});
+    const HRESULT hr = BeginCall("DllGetActivationFactory", factory, {{"class", Narrow(name)}});
     if (FAILED(hr))
         return hr;
     if (Facts::Instance().Get("/toasts/registered") == nlohmann::json(false))

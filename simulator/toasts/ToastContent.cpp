@@ -1,7 +1,7 @@
 #include "simulator/toasts/ToastContent.h"
 
 #include "simulator/model/Facts.h"
-#include "simulator/toasts/RuntimeText.h"
+#include "simulator/model/Text.h"
 #include "simulator/toasts/XmlWriter.h"
 
 #include <array>
@@ -44,12 +44,12 @@ nlohmann::json ToastContent::Describe() const
 {
     nlohmann::json texts = nlohmann::json::array();
     for (const std::wstring& text : m_lstTexts)
-        texts.push_back(ToUtf8(text));
-    return {{"app-id", ToUtf8(m_strApplicationId)},
-            {"title", ToUtf8(Title())},
+        texts.push_back(Narrow(text));
+    return {{"app-id", Narrow(m_strApplicationId)},
+            {"title", Narrow(Title())},
             {"texts", std::move(texts)},
-            {"image", ToUtf8(m_strImageSource)},
-            {"xml", ToUtf8(m_strXml)}};
+            {"image", Narrow(m_strImageSource)},
+            {"xml", Narrow(m_strXml)}};
 }
 
 ToastContent ReadToastContent(XmlTree& tree, std::wstring_view applicationId)

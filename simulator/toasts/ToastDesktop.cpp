@@ -2,8 +2,8 @@
 
 #include "simulator/model/Facts.h"
 #include "simulator/model/Journal.h"
+#include "simulator/model/Text.h"
 #include "simulator/toasts/EventPool.h"
-#include "simulator/toasts/RuntimeText.h"
 #include "simulator/toasts/ToastEvents.h"
 #include "simulator/toasts/ToastScreen.h"
 
@@ -60,7 +60,7 @@ std::string ReasonName(INT32 reason)
 
 void Record(const char* what, const VisibleToast& toast, const nlohmann::json& details = nlohmann::json::object())
 {
-    nlohmann::json entry = {{"number", toast.m_nNumber}, {"title", ToUtf8(toast.m_content.Title())}};
+    nlohmann::json entry = {{"number", toast.m_nNumber}, {"title", Narrow(toast.m_content.Title())}};
     entry.update(details);
     Journal::Instance().Append("toast", what, std::move(entry));
 }

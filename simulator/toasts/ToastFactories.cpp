@@ -1,5 +1,6 @@
 #include "simulator/toasts/ToastFactories.h"
 
+#include "simulator/model/Text.h"
 #include "simulator/toasts/ToastContent.h"
 #include "simulator/toasts/ToastNotification.h"
 #include "simulator/toasts/ToastNotifier.h"
@@ -23,7 +24,7 @@ HRESULT ToastNotificationManager::CreateToastNotifierWithId(HSTRING applicationI
 {
     const std::wstring_view id = RuntimeText::View(applicationId);
     const HRESULT hr = BeginCall("IToastNotificationManagerStatics::CreateToastNotifierWithId", notifier,
-                                 {{"application-id", ToUtf8(id)}});
+                                 {{"application-id", Narrow(id)}});
     if (FAILED(hr))
         return hr;
     return id.empty() ? E_INVALIDARG : MakeObject<ToastNotifier>(notifier, id);

@@ -1,5 +1,6 @@
 #include "simulator/toasts/ToastRedirections.h"
 
+#include "simulator/model/Text.h"
 #include "simulator/toasts/RuntimeObject.h"
 #include "simulator/toasts/ToastActivation.h"
 #include "simulator/toasts/ToastFactories.h"
@@ -47,7 +48,7 @@ bool IsToastClass(std::wstring_view name)
 HRESULT WINAPI GetFactory(HSTRING classId, REFIID iid, void** factory)
 {
     const std::wstring_view name = RuntimeText::View(classId);
-    HRESULT hr = BeginCall("RoGetActivationFactory", factory, {{"class", ToUtf8(name)}});
+    HRESULT hr = BeginCall("RoGetActivationFactory", factory, {{"class", Narrow(name)}});
     if (FAILED(hr))
         return hr;
     APTTYPE type{};

@@ -11,12 +11,32 @@
 #include <objbase.h>
 #include <windows.h>
 
+namespace
+{
+using Orvik::Shared::Log;
+namespace Level = Orvik::Shared::Level;
+
+// One step of start-up. When memory runs out in it, start-up goes on with the next one.
+template <class Step>
+void TakeStep(const char* functionName, Step step)
+{
+    try
+    {
+        step();
+    }
+    catch (...)
+    {
+        Log(Level::Error, functionName, L"A step of start-up ended with an exception.");
+    }
+}
+} // namespace
+
 // Exit codes: 0 the window could not be created, 1 another copy runs in this session, else the code of WM_QUIT.
 int APIENTRY wWinMain(HINSTANCE instance, HINSTANCE, LPWSTR, int)
 {
     // Start-up goes on in spite of the message: administrators search their logs for it.
     if (IsImageStillBuilding())
-        Orvik::Shared::Log(Orvik::Shared::Level::Verbose, ORVIK_FUNCTION, L"Image still building.  Exit app.");
+        Log(Level::Verbose, ORVIK_FUNCTION, L"Image still building.  Exit app.");
 
     LoadProcessNames(instance);
     Orvik::Shared::UniqueHandle sessionMutex = TakeSessionMutex();
@@ -33,13 +53,19 @@ int APIENTRY wWinMain(HINSTANCE instance, HINSTANCE, LPWSTR, int)
     const HACCEL accelerators = LoadAcceleratorsW(instance, MAKEINTRESOURCEW(IDR_ORVIKNOTIFICATIONS));
 
     // Registrations log their own failures; none of them stops start-up.
-    auto& hub = g_pWmiHandler.Create();
-    static_cast<void>(hub.RegisterSmartAdapterEvent(GetDefaultIconPath(L"Orvik.ico", IDI_DEFAULT)));
+    TakeStep(ORVIK_FUNCTION, [] { g_pWmiHandler.Create(); });
+    auto* const hub = g_pWmiHandler.Get();
+    if (hub != nullptr)
+    {
+        const std::wstring iconPath = GetDefaultIconPath(L"Orvik.ico", IDI_DEFAULT);
+        TakeStep(ORVIK_FUNCTION, [&] { static_cast<void>(hub->RegisterSmartAdapterEvent(iconPath)); });
+    }
     // Shows an adapter state that was there before the agent.
-    if (IsWindows8OrGreater())
-        hub.ProcessSmartAdapterEvent();
+    if (IsWindows8OrGreater() && hub != nullptr)
+        TakeStep(ORVIK_FUNCTION, [hub] { hub->ProcessSmartAdapterEvent(); });
     static_cast<void>(CoInitialize(nullptr));
-    static_cast<void>(hub.RegisterGPIOWMIEvent());
+    if (hub != nullptr)
+        TakeStep(ORVIK_FUNCTION, [hub] { static_cast<void>(hub->RegisterGPIOWMIEvent()); });
 
     const int exitCode = RunMessageLoop(accelerators);
     sessionMutex.reset();

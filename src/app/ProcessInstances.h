@@ -48,7 +48,8 @@ inline constinit HWND g_hwndMain = nullptr;
 inline constinit wchar_t g_szTitle[g_nMaxLoadedName]{};
 // String 505, also the name of the mutex. Written by LoadProcessNames.
 inline constinit wchar_t g_szWindowClass[g_nMaxLoadedName]{};
-// The firmware event hub. Made by wWinMain; its handlers run on WMI's threads.
+// The firmware event hub. Made by wWinMain, which registers it and runs one handler itself; null when there was no
+// memory. Later its handlers run on WMI's threads.
 inline constinit ProcessInstance<Notifications::OrvikWmiEvents::COrvikWmiEvents> g_pWmiHandler;
 // Registrations for arrivals of USB devices and USB hubs; null while the window is not registered.
 inline constinit HDEVNOTIFY g_hUsbDeviceNotification = nullptr;

@@ -4,8 +4,6 @@
 
 #include <windows.h>
 
-#include <string_view>
-
 // The steps of start-up and of the message loop, in the order in which wWinMain takes them. Main thread.
 
 // Loads the application title and the window class name from the string table.

@@ -1,11 +1,13 @@
 #include "notifications/DesktopToast.h"
 
 #include "notifications/ApplicationId.h"
-#include "notifications/RequireObject.h"
 #include "notifications/ToastEventHandler.h"
 #include "notifications/WindowsRuntime.h"
 #include "platform/ComApartment.h"
+#include "platform/RequireObject.h"
 #include "shared/TraceScope.h"
+
+#include <new>
 
 using namespace ToastAbi;
 using Orvik::Shared::TraceScope;
@@ -70,7 +72,9 @@ HRESULT DesktopToast::CreateToast(IToastNotificationManagerStatics* manager, IXm
     if (FAILED(hr))
         return trace.Exit(hr);
 
-    auto* const handler = new ToastEventHandler(m_hwndToast, m_hwndMain);
+    auto* const handler = new (std::nothrow) ToastEventHandler(m_hwndToast, m_hwndMain);
+    if (handler == nullptr)
+        return trace.Exit(E_OUTOFMEMORY);
     // The handler starts with a count of one, which this pointer takes over; the toast holds references of its own.
     const IToastActivatedHandlerPtr spReference(handler, false);
     hr = RegisterHandler(trace, spToast, handler);

@@ -9,6 +9,7 @@
 
 // Shows Windows toasts from a desktop program. Any thread with or without an apartment; an object belongs to one
 // thread. Every operation returns the first failing HRESULT of its steps and shows nothing then; nothing is retried.
+// None raises: a lack of memory is E_OUTOFMEMORY.
 class DesktopToast
 {
 public:
@@ -16,12 +17,13 @@ public:
     DesktopToast(HWND toastWindow, HWND mainWindow) : m_hwndToast(toastWindow), m_hwndMain(mainWindow) {}
 
     // Installs the Start-menu shortcut whose application id lets Windows show this program's toasts, unless a file of
-    // that name exists or cannot be told to be missing. E_INVALIDARG without the variable APPDATA, or when its value
+    // that name exists or cannot be told to be missing. Threads that come together wait for each other, and one of them
+    // installs it. E_INVALIDARG without the variable APPDATA, or when its value
     // and the name of the shortcut have 260 or more characters together. Needs an apartment on the calling thread.
     [[nodiscard]] HRESULT TryCreateShortcut();
 
-    // Writes the shortcut to this program at the given full path; a failure leaves no new file there. Needs an
-    // apartment on the calling thread.
+    // Writes the shortcut to this program at the given full path; a failure leaves no new file there. One thread at a
+    // time writes. Needs an apartment on the calling thread.
     [[nodiscard]] HRESULT InstallShortcut(const std::wstring& shortcutPath);
 
     // Shows one toast. A thread without an apartment is in the multithreaded one meanwhile. On systems without toasts

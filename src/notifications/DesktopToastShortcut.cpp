@@ -1,8 +1,10 @@
 #include "notifications/DesktopToast.h"
 
 #include "notifications/ApplicationId.h"
-#include "notifications/RequireObject.h"
+#include "platform/OutOfMemoryResult.h"
+#include "platform/RequireObject.h"
 #include "shared/LastErrorResult.h"
+#include "shared/OwnerTypes.h"
 #include "shared/TraceScope.h"
 
 #include <comdef.h>
@@ -13,6 +15,7 @@
 
 #include <cwchar>
 
+using Orvik::Shared::CriticalSectionLock;
 using Orvik::Shared::TraceScope;
 
 namespace
@@ -52,17 +55,37 @@ private:
     PROPVARIANT m_value{};
 };
 
-HRESULT PathOfThisProgram(std::wstring& path)
+// Never destroyed: a toast may still be on its way when the process ends.
+struct ShortcutSection : CRITICAL_SECTION
 {
-    wchar_t buffer[MAX_PATH] = L"";
-    const DWORD length = K32GetModuleFileNameExW(GetCurrentProcess(), nullptr, buffer, MAX_PATH);
+    ShortcutSection() noexcept { InitializeCriticalSection(this); }
+};
+
+// Held from the look for a shortcut until it is written: without it a thread would write over, or take for its own and
+// delete, what another one has saved meanwhile. Any thread.
+CRITICAL_SECTION& ShortcutLock()
+{
+    static ShortcutSection section;
+    return section;
+}
+
+HRESULT ShortcutPath(std::wstring& path)
+{
+    wchar_t appData[MAX_PATH] = L"";
+    const DWORD length = GetEnvironmentVariableW(L"APPDATA", appData, MAX_PATH);
+    if (length == 0 || length >= MAX_PATH)
+        return E_INVALIDARG;
+    path = std::wstring(appData) + ShortcutBelowAppData;
+    return path.size() < MAX_PATH ? S_OK : E_INVALIDARG;
+}
+
+HRESULT PathOfThisProgram(wchar_t (&path)[MAX_PATH])
+{
+    const DWORD length = K32GetModuleFileNameExW(GetCurrentProcess(), nullptr, path, MAX_PATH);
     if (length == 0)
         return LastErrorResult();
     // A path that does not fit is cut, and a shortcut to the cut path would start nothing.
-    if (length >= MAX_PATH)
-        return HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER);
-    path.assign(buffer, length);
-    return S_OK;
+    return length < MAX_PATH ? S_OK : HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER);
 }
 
 HRESULT SetApplicationId(IShellLinkW* link)
@@ -109,14 +132,12 @@ HRESULT SaveLink(IShellLinkW* link, const std::wstring& path)
 HRESULT DesktopToast::TryCreateShortcut()
 {
     TraceScope trace(ORVIK_FUNCTION);
-    wchar_t appData[MAX_PATH] = L"";
-    const DWORD length = GetEnvironmentVariableW(L"APPDATA", appData, MAX_PATH);
-    if (length == 0 || length >= MAX_PATH)
-        return trace.Exit(E_INVALIDARG);
-    const std::wstring path = std::wstring(appData) + ShortcutBelowAppData;
-    if (path.size() >= MAX_PATH)
-        return trace.Exit(E_INVALIDARG);
-    HRESULT hr = LookForFile(path);
+    std::wstring path;
+    HRESULT hr = OutOfMemoryResult([&] { return ShortcutPath(path); });
+    if (FAILED(hr))
+        return trace.Exit(hr);
+    const CriticalSectionLock lock(ShortcutLock());
+    hr = LookForFile(path);
     if (hr == S_FALSE)
         hr = InstallShortcut(path);
     return trace.Exit(hr);
@@ -125,7 +146,8 @@ HRESULT DesktopToast::TryCreateShortcut()
 HRESULT DesktopToast::InstallShortcut(const std::wstring& shortcutPath)
 {
     TraceScope trace(ORVIK_FUNCTION);
-    std::wstring program;
+    const CriticalSectionLock lock(ShortcutLock());
+    wchar_t program[MAX_PATH] = L"";
     HRESULT hr = PathOfThisProgram(program);
     IShellLinkWPtr spLink;
     if (SUCCEEDED(hr))
@@ -133,7 +155,7 @@ HRESULT DesktopToast::InstallShortcut(const std::wstring& shortcutPath)
                                             reinterpret_cast<void**>(&spLink)),
                            spLink);
     if (SUCCEEDED(hr))
-        hr = spLink->SetPath(program.c_str());
+        hr = spLink->SetPath(program);
     if (SUCCEEDED(hr))
         hr = SetApplicationId(spLink);
     if (SUCCEEDED(hr))

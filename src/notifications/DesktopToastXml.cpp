@@ -1,6 +1,7 @@
 #include "notifications/DesktopToast.h"
-#include "notifications/RequireObject.h"
 #include "notifications/WindowsRuntime.h"
+#include "platform/OutOfMemoryResult.h"
+#include "platform/RequireObject.h"
 #include "shared/TraceScope.h"
 
 #include <shlobj.h>
@@ -72,13 +73,17 @@ HRESULT DesktopToast::CreateToastXml(IToastNotificationManagerStatics* manager, 
     trace.Verbose(L"Title: %s", title.c_str());
     trace.Verbose(L"Text: %s", text.c_str());
 
-    std::wstring imagePath;
-    hr = ToastImagePath(imagePath);
-    if (SUCCEEDED(hr))
-        hr = SetImageSrc(imagePath, spDocument);
-    if (SUCCEEDED(hr))
-        hr = SetTextValues(std::array{title, text}, spDocument);
-    return trace.Exit(hr);
+    return trace.Exit(OutOfMemoryResult(
+        [&]
+        {
+            std::wstring imagePath;
+            hr = ToastImagePath(imagePath);
+            if (SUCCEEDED(hr))
+                hr = SetImageSrc(imagePath, spDocument);
+            if (SUCCEEDED(hr))
+                hr = SetTextValues(std::array{title, text}, spDocument);
+            return hr;
+        }));
 }
 
 HRESULT DesktopToast::SetImageSrc(const std::wstring& imagePath, IXmlDocument* document)
@@ -87,7 +92,7 @@ HRESULT DesktopToast::SetImageSrc(const std::wstring& imagePath, IXmlDocument* d
     IXmlNodePtr spSrc;
     HRESULT hr = FindSrcOfFirstImage(document, spSrc);
     if (SUCCEEDED(hr))
-        hr = SetNodeValueString(L"file:///" + imagePath, spSrc, document);
+        hr = OutOfMemoryResult([&] { return SetNodeValueString(L"file:///" + imagePath, spSrc, document); });
     return trace.Exit(hr);
 }
 
@@ -121,7 +126,8 @@ HRESULT DesktopToast::SetNodeValueString(const std::wstring& value, IXmlNode* no
         hr = RequireObject(document->CreateTextNode(data.Get(), &spText), spText);
     IXmlNodePtr spTextNode;
     if (SUCCEEDED(hr))
-        hr = spText->QueryInterface(__uuidof(IXmlNode), reinterpret_cast<void**>(&spTextNode));
+        hr = RequireObject(spText->QueryInterface(__uuidof(IXmlNode), reinterpret_cast<void**>(&spTextNode)),
+                           spTextNode);
     IXmlNodePtr spAppended;
     if (SUCCEEDED(hr))
         hr = node->AppendChild(spTextNode, &spAppended);

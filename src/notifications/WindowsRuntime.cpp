@@ -1,6 +1,6 @@
 #include "notifications/WindowsRuntime.h"
 
-#include "notifications/RequireObject.h"
+#include "platform/RequireObject.h"
 #include "shared/LastErrorResult.h"
 
 namespace WindowsRuntime

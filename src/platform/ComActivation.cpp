@@ -1,6 +1,7 @@
 #include "platform/ComActivation.h"
 
 #include "platform/ComPointers.h"
+#include "platform/RequireObject.h"
 
 namespace
 {
@@ -13,8 +14,9 @@ HRESULT CreateRunningObject(REFCLSID classId, REFIID iid, void** object)
 {
     *object = nullptr;
     IUnknownPtr spUnknown;
-    HRESULT hr =
-        CoCreateInstance(classId, nullptr, g_dwAnyServer, __uuidof(IUnknown), reinterpret_cast<void**>(&spUnknown));
+    HRESULT hr = RequireObject(
+        CoCreateInstance(classId, nullptr, g_dwAnyServer, __uuidof(IUnknown), reinterpret_cast<void**>(&spUnknown)),
+        spUnknown);
     if (SUCCEEDED(hr))
         hr = OleRun(spUnknown);
     if (SUCCEEDED(hr))

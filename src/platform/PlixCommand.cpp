@@ -2,8 +2,26 @@
 
 #include "platform/ComActivation.h"
 
+#include <new>
+
 using Orvik::Shared::TraceScope;
 using Orvik::Shared::WideFormat;
+
+namespace
+{
+// The wrapper's own allocation fails as the text's does.
+_bstr_t CommandName(const wchar_t* name)
+{
+    try
+    {
+        return {name};
+    }
+    catch (const std::bad_alloc&)
+    {
+        throw _com_error(E_OUTOFMEMORY);
+    }
+}
+} // namespace
 
 HRESULT CreatePlixCommand(IPlixCommandPtr& spCommand)
 {
@@ -12,14 +30,17 @@ HRESULT CreatePlixCommand(IPlixCommandPtr& spCommand)
         CreateRunningObject(CLSID_PlixCommand, __uuidof(IPlixCommand), reinterpret_cast<void**>(&spCommand)));
 }
 
-_variant_t ExecutePlixCommand(IPlixCommand* command, const wchar_t* name)
+_variant_t ExecutePlixCommand(IPlixCommand* command, const wchar_t* name, HRESULT* result)
 {
-    const _bstr_t commandName(name);
+    const _bstr_t commandName = CommandName(name);
     if (command == nullptr)
         _com_issue_error(E_POINTER);
     _variant_t output;
-    if (const HRESULT hr = command->Execute(commandName, &output); FAILED(hr))
+    const HRESULT hr = command->Execute(commandName, &output);
+    if (FAILED(hr))
         _com_issue_errorex(hr, command, __uuidof(IPlixCommand));
+    if (result != nullptr)
+        *result = hr;
     return output;
 }
 

@@ -25,9 +25,10 @@ inline constexpr CLSID CLSID_PlixCommand = {
 // first; on failure the slot is null. Success with a null slot is possible: callers treat it like a failure.
 [[nodiscard]] HRESULT CreatePlixCommand(IPlixCommandPtr& spCommand);
 
-// Runs a command without input and gives its output, of whatever type the library chose. Raises _com_error:
-// E_OUTOFMEMORY when the name cannot be allocated, E_POINTER for a null command, else the library's own failure.
-[[nodiscard]] _variant_t ExecutePlixCommand(IPlixCommand* command, const wchar_t* name);
+// Runs a command without input and gives its output, of whatever type the library chose. result: where the library's
+// success code goes, or null; left alone by what raises. Raises _com_error: E_OUTOFMEMORY when the name cannot be
+// allocated, E_POINTER for a null command, else the library's own failure.
+[[nodiscard]] _variant_t ExecutePlixCommand(IPlixCommand* command, const wchar_t* name, HRESULT* result = nullptr);
 
 // Logs what a command raised, under the caller's name, and gives its code for the caller to return. Only a failure with
 // exactly g_hrInvalidCommand is an invalid command; both formats take the code.

@@ -1,6 +1,7 @@
 #include "platform/PlixNotification.h"
 
 #include "platform/ComActivation.h"
+#include "platform/RequireObject.h"
 
 namespace
 {
@@ -13,5 +14,7 @@ HRESULT CreatePlixNotification(IUnknownPtr& spNotification)
     CLSID classId{};
     if (const HRESULT hr = CLSIDFromProgID(L"orvikplixutils.orvikPlixNotification", &classId); FAILED(hr))
         return hr;
-    return CreateRunningObject(classId, g_notificationInterface, reinterpret_cast<void**>(&spNotification));
+    return RequireObject(
+        CreateRunningObject(classId, g_notificationInterface, reinterpret_cast<void**>(&spNotification)),
+        spNotification);
 }

@@ -1,5 +1,11 @@
 #include "platform/WmiQuery.h"
 
+#include "platform/OutOfMemoryResult.h"
+#include "platform/RequireObject.h"
+
+#include <new>
+#include <utility>
+
 namespace
 {
 // The value is passed as it stands: it means a single-threaded apartment that trades memory for speed, and does not
@@ -44,10 +50,18 @@ HRESULT WmiQuery::Connect(const wchar_t* namespacePath)
 {
     m_spServices = nullptr;
     IWbemLocatorPtr spLocator;
-    HRESULT hr = CoCreateInstance(__uuidof(WbemLocator), nullptr, CLSCTX_INPROC_SERVER, __uuidof(IWbemLocator),
-                                  reinterpret_cast<void**>(&spLocator));
-    if (SUCCEEDED(hr))
-        hr = ConnectServices(*spLocator, namespacePath);
+    HRESULT hr = RequireObject(CoCreateInstance(__uuidof(WbemLocator), nullptr, CLSCTX_INPROC_SERVER,
+                                                __uuidof(IWbemLocator), reinterpret_cast<void**>(&spLocator)),
+                               spLocator);
+    try
+    {
+        if (SUCCEEDED(hr))
+            hr = ConnectServices(*spLocator, namespacePath);
+    }
+    catch (const std::bad_alloc&)
+    {
+        throw _com_error(E_OUTOFMEMORY);
+    }
     if (FAILED(hr))
         m_spServices = nullptr;
     return hr;
@@ -55,11 +69,16 @@ HRESULT WmiQuery::Connect(const wchar_t* namespacePath)
 
 HRESULT WmiQuery::ConnectServices(IWbemLocator& locator, const wchar_t* namespacePath)
 {
-    const HRESULT hr = locator.ConnectServer(_bstr_t(namespacePath), nullptr, nullptr, nullptr,
-                                             WBEM_FLAG_CONNECT_USE_MAX_WAIT, nullptr, nullptr, &m_spServices);
+    // Both copies are made before there are services that a lack of memory would leave without their settings.
+    std::wstring path = namespacePath;
+    const _bstr_t resource(namespacePath);
+    const HRESULT hr =
+        RequireObject(locator.ConnectServer(resource, nullptr, nullptr, nullptr, WBEM_FLAG_CONNECT_USE_MAX_WAIT,
+                                            nullptr, nullptr, &m_spServices),
+                      m_spServices);
     if (FAILED(hr))
         return hr;
-    m_strNamespace = namespacePath;
+    m_strNamespace = std::move(path);
     return CoSetProxyBlanket(m_spServices, RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr, RPC_C_AUTHN_LEVEL_DEFAULT,
                              RPC_C_IMP_LEVEL_IMPERSONATE, nullptr, EOAC_NONE);
 }
@@ -77,6 +96,10 @@ HRESULT WmiQuery::Query(const wchar_t* text, long flags)
     catch (const _com_error& error)
     {
         return error.Error();
+    }
+    catch (const std::bad_alloc&)
+    {
+        return E_OUTOFMEMORY;
     }
 }
 
@@ -98,6 +121,10 @@ HRESULT WmiQuery::GetPropertyText(const wchar_t* name, std::wstring& text) const
         hr = ConvertToText(value);
     if (FAILED(hr))
         return hr;
-    text = value.bstrVal != nullptr ? value.bstrVal : L"";
-    return hr;
+    return OutOfMemoryResult(
+        [&]
+        {
+            text = value.bstrVal != nullptr ? value.bstrVal : L"";
+            return hr;
+        });
 }

@@ -22,11 +22,12 @@ public:
     WmiQuery(const WmiQuery&) = delete;
     WmiQuery& operator=(const WmiQuery&) = delete;
 
-    // Leaves the present namespace first. Raises _com_error(E_OUTOFMEMORY) when a string cannot be allocated.
+    // Leaves the present namespace first; a failure leaves none. Raises _com_error(E_OUTOFMEMORY) when a string cannot
+    // be allocated.
     [[nodiscard]] HRESULT Connect(const wchar_t* namespacePath);
 
     // flags: WBEM_FLAG_*. Goes to the first object and gives the result of that step, WBEM_S_FALSE for an empty answer;
-    // WBEM_E_INITIALIZATION_FAILURE without a connection.
+    // WBEM_E_INITIALIZATION_FAILURE without a connection, E_OUTOFMEMORY when a string cannot be allocated.
     [[nodiscard]] HRESULT Query(const wchar_t* text, long flags);
 
     // Waits at most 20,000 ms for the next object. WBEM_S_FALSE after the last, WBEM_S_TIMEDOUT: no object is current
@@ -34,18 +35,16 @@ public:
     [[nodiscard]] HRESULT Next();
 
     // A property of the current object as text, numbers in decimal; a null text counts as empty. WBEM_E_TYPE_MISMATCH
-    // for a value that has no text, WBEM_E_NOT_FOUND without a current object; text is unchanged on failure.
+    // for a value that has no text, WBEM_E_NOT_FOUND without a current object, E_OUTOFMEMORY when the text cannot be
+    // copied; text is unchanged on failure.
     [[nodiscard]] HRESULT GetPropertyText(const wchar_t* name, std::wstring& text) const;
-
-    // The namespace of the last connection that WMI accepted.
-    [[nodiscard]] const std::wstring& ConnectedNamespace() const noexcept { return m_strNamespace; }
 
 private:
     [[nodiscard]] HRESULT ConnectServices(IWbemLocator& locator, const wchar_t* namespacePath);
 
     // Members go in reverse order: the enumerator, the object and the services before the thread leaves COM.
     ComApartment m_apartment;
-    std::wstring m_strNamespace;
+    std::wstring m_strNamespace; // of the last connection that WMI accepted
     IWbemServicesPtr m_spServices;
     IWbemClassObjectPtr m_spObject;
     IEnumWbemClassObjectPtr m_spEnumerator;

@@ -1,5 +1,10 @@
 #include "platform/XmlDocument.h"
 
+#include "platform/RequireObject.h"
+#include "shared/OwnerTypes.h"
+
+using Orvik::Shared::ReceiveInto;
+
 namespace
 {
 constexpr CLSID g_domDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
@@ -18,8 +23,9 @@ HRESULT XmlDocument::Load(BSTR text)
 HRESULT XmlDocument::CreateDocument()
 {
     m_dwReady = 0;
-    HRESULT hr = CoCreateInstance(g_domDocument30, nullptr, CLSCTX_INPROC_SERVER, g_xmlDomDocument,
-                                  reinterpret_cast<void**>(&m_spDocument));
+    HRESULT hr = RequireObject(CoCreateInstance(g_domDocument30, nullptr, CLSCTX_INPROC_SERVER, g_xmlDomDocument,
+                                                reinterpret_cast<void**>(&m_spDocument)),
+                               m_spDocument);
     if (SUCCEEDED(hr))
         hr = Configure();
     if (FAILED(hr))
@@ -51,10 +57,8 @@ HRESULT XmlDocument::Parse(BSTR text)
 
 void XmlDocument::RefreshText()
 {
-    m_strText = _bstr_t();
-    if (!m_spDocument)
-        return;
-    BSTR text = nullptr;
-    if (SUCCEEDED(m_spDocument->get_xml(&text)))
-        m_strText = _bstr_t(text, false);
+    m_strText.reset();
+    // A text that cannot be read back is the same as none.
+    if (m_spDocument)
+        (void)m_spDocument->get_xml(ReceiveInto(m_strText));
 }

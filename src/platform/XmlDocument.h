@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/UniqueBstr.h"
+
 #include <comdef.h>
 #include <msxml2.h>
 
@@ -11,18 +13,24 @@ _COM_SMARTPTR_TYPEDEF(IXMLDOMDocument, g_xmlDomDocument);
 class XmlDocument
 {
 public:
+    XmlDocument() = default;
+    XmlDocument(const XmlDocument&) = delete;
+    XmlDocument& operator=(const XmlDocument&) = delete;
+
     // S_OK, E_FAIL for a text that does not parse (the document is held and has no root then), otherwise the code of
-    // the call that failed; REGDB_E_CLASSNOTREG where MSXML is missing. A document loaded before is given back first.
+    // the call that failed; REGDB_E_CLASSNOTREG where MSXML is missing, E_POINTER where it gives no document. A
+    // document loaded before is given back first.
     [[nodiscard]] HRESULT Load(BSTR text);
 
-    // Null when no document could be created. The holder keeps its reference: who outlives it takes one of his own.
+    // Null when no document could be created; a document that refused a setting is held all the same, and not ready.
+    // The holder keeps its reference: who outlives it takes one of his own.
     [[nodiscard]] IXMLDOMDocument* GetDocument() const noexcept { return m_spDocument; }
 
     // Whether a document was created and took its settings; a text that does not parse changes nothing in that.
     [[nodiscard]] bool IsReady() const noexcept { return m_dwReady != 0; }
 
-    // The document as the parser wrote it back after the last Load; a null BSTR when there is none.
-    [[nodiscard]] const _bstr_t& Text() const noexcept { return m_strText; }
+    // The document as the parser wrote it back after the last Load; null when there is none. The holder frees it.
+    [[nodiscard]] BSTR Text() const noexcept { return m_strText.get(); }
 
 private:
     [[nodiscard]] HRESULT CreateDocument();
@@ -30,7 +38,7 @@ private:
     [[nodiscard]] HRESULT Parse(BSTR text);
     void RefreshText();
 
-    _bstr_t m_strText;
+    UniqueBstr m_strText;
     IXMLDOMDocumentPtr m_spDocument;
     DWORD m_dwReady = 0;
 };

@@ -13,8 +13,8 @@ constexpr double g_ticksPerMillisecond = 10'000.0;
 constexpr double g_longMilliseconds = 1'000'000.0;
 } // namespace
 
-CElapsedTimer::CElapsedTimer(CLogger& logger, const char* functionName)
-    : m_logger(logger), m_strFunctionName(functionName)
+CElapsedTimer::CElapsedTimer(CLogger& logger, const char* functionName) noexcept
+    : m_logger(logger), m_pFunctionName(functionName != nullptr ? functionName : "")
 {
     QueryUnbiasedInterruptTime(&m_nStart);
 }
@@ -27,7 +27,7 @@ CElapsedTimer::~CElapsedTimer()
     LogElapsed();
     try
     {
-        m_logger.Statistics().Add(m_strFunctionName, m_elapsedMilliseconds);
+        m_logger.Statistics().Add(m_pFunctionName, m_elapsedMilliseconds);
     }
     catch (const std::exception&) // NOLINT(bugprone-empty-catch)
     {
@@ -37,10 +37,9 @@ CElapsedTimer::~CElapsedTimer()
 
 void CElapsedTimer::LogElapsed() const noexcept
 {
-    const char* name = m_strFunctionName.c_str();
     if (m_elapsedMilliseconds < g_longMilliseconds)
-        m_logger.Log(Level::Diag, name, L"Elapsed time = %7.1Lf ms.", m_elapsedMilliseconds);
+        m_logger.Log(Level::Diag, m_pFunctionName, L"Elapsed time = %7.1Lf ms.", m_elapsedMilliseconds);
     else
-        m_logger.Log(Level::Diag, name, L"Elapsed time = %7.1Lf s.", m_elapsedMilliseconds / 1000);
+        m_logger.Log(Level::Diag, m_pFunctionName, L"Elapsed time = %7.1Lf s.", m_elapsedMilliseconds / 1000);
 }
 } // namespace Orvik::Shared

@@ -2,8 +2,6 @@
 
 #include "shared/Logger.h"
 
-#include <string>
-
 namespace Orvik::Shared
 {
 // Times the scope it lives in: at its end it logs the time at level Diag and adds it to the logger's statistics. Made
@@ -11,7 +9,8 @@ namespace Orvik::Shared
 class CElapsedTimer
 {
 public:
-    CElapsedTimer(CLogger& logger, const char* functionName);
+    // functionName: kept as a pointer, so it outlives the timer (ORVIK_FUNCTION does); null counts as empty.
+    CElapsedTimer(CLogger& logger, const char* functionName) noexcept;
     CElapsedTimer(const CElapsedTimer&) = delete;
     CElapsedTimer& operator=(const CElapsedTimer&) = delete;
     ~CElapsedTimer();
@@ -20,7 +19,7 @@ private:
     void LogElapsed() const noexcept;
 
     CLogger& m_logger;
-    std::string m_strFunctionName;
+    const char* m_pFunctionName;
     ULONGLONG m_nStart = 0; // units of 100 nanoseconds
     double m_elapsedMilliseconds = 0;
 };

@@ -33,7 +33,7 @@ const std::wstring& COrvikLogListener::LogData::GetLine() const
     if (m_strLine.empty())
     {
         wchar_t prefix[RecordPrefixCapacity];
-        const std::size_t length = WriteRecordPrefix(prefix, m_time, m_dwThreadId, m_nLevel);
+        const std::size_t length = WriteRecordPrefix(prefix, m_time, m_dwThreadId, LevelName());
         m_strLine.reserve(length + m_strFunctionName.size() + m_strMessage.size() + 1);
         m_strLine.assign(prefix, length);
         AppendWidened(m_strLine, m_strFunctionName);

@@ -42,10 +42,24 @@ public:
 private:
     DWORD m_dwError;
 };
+
+void WriteTo(COrvikLogListener& listener, const COrvikLogListener::LogData& data) noexcept
+{
+    try
+    {
+        listener.Write(data);
+    }
+    catch (const std::exception&) // NOLINT(bugprone-empty-catch)
+    {
+        // Out of memory: this listener loses the record, those behind it do not.
+    }
+}
 } // namespace
 
 CLogger& CLogger::Instance() noexcept
 {
+    // The first call reads policy and makes listeners; the guard around it calls the system too.
+    const LastErrorKeeper keeper;
     static CLogger& logger = CreateInstance();
     return logger;
 }
@@ -134,7 +148,7 @@ void CLogger::Write(int level, const char* functionName, const wchar_t* format, 
     {
         COrvikLogListener& listener = *m_lstListeners[i];
         if (listener.MinLevel() <= level && listener.MaxLevel() >= level)
-            listener.Write(data);
+            WriteTo(listener, data);
     }
 }
 } // namespace Orvik::Shared

@@ -31,7 +31,7 @@ public:
     using Listeners = std::array<std::unique_ptr<COrvikLogListener>, 10>;
 
     // The logger of the process, created on first use with level "Error" and the event listener as defaults.
-    // It is never destroyed: threads may log until the very end of the process.
+    // It is never destroyed: threads may log until the very end of the process. The thread's last-error code survives.
     static CLogger& Instance() noexcept;
 
     // Builds a logger from policy. defaultMask: bits of ListenerKind, used when policy names none; of the two file bits
@@ -43,8 +43,8 @@ public:
     CLogger& operator=(const CLogger&) = delete;
 
     // One record: level number, qualified function name, wide printf format of the C runtime (null counts as empty).
-    // At most 511 characters of message are kept. Never throws; the thread's last-error code survives. Does nothing
-    // once process end has begun.
+    // At most 511 characters of message are kept. Never throws; the thread's last-error code survives; a listener that
+    // throws loses the record, the others get it. Does nothing once process end has begun.
     void Log(int level, const char* functionName, const wchar_t* format, ...) noexcept;
 
     // True when a listener to file takes Diag records: only then is a CElapsedTimer worth making.

@@ -4,7 +4,8 @@
 
 namespace Orvik::Shared
 {
-// Prints records to standard output, in the short form; without a console they are lost.
+// Prints records to standard output, in the short form; without a console they are lost. A character that the code page
+// of the C runtime lacks is printed as "?".
 class COrvikLogListenerConsole final : public COrvikLogListener
 {
 public:

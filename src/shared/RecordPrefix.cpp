@@ -1,7 +1,5 @@
 #include "shared/RecordPrefix.h"
 
-#include "shared/LogLevel.h"
-
 #include <algorithm>
 
 namespace Orvik::Shared
@@ -41,7 +39,7 @@ wchar_t* WriteHexadecimal(wchar_t* out, DWORD value) noexcept
 } // namespace
 
 std::size_t WriteRecordPrefix(wchar_t (&buffer)[RecordPrefixCapacity], const SYSTEMTIME& time, DWORD threadId,
-                              int level) noexcept
+                              std::wstring_view levelName) noexcept
 {
     wchar_t* out = buffer;
     out = WriteNumber<4>(out, time.wYear, L'/');
@@ -53,9 +51,8 @@ std::size_t WriteRecordPrefix(wchar_t (&buffer)[RecordPrefixCapacity], const SYS
     out = WriteNumber<3>(out, time.wMilliseconds, L'|');
     out = WriteHexadecimal(out, threadId);
     *out++ = L'|';
-    const std::wstring_view name = LevelName(level);
-    out = std::ranges::copy(name, out).out;
-    out = std::fill_n(out, g_levelWidth - name.size(), L' ');
+    out = std::ranges::copy(levelName, out).out;
+    out = std::fill_n(out, g_levelWidth - levelName.size(), L' ');
     *out++ = L'|';
     *out = L'\0';
     return static_cast<std::size_t>(out - buffer);

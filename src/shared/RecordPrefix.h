@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <string_view>
 
 namespace Orvik::Shared
 {
@@ -11,7 +12,8 @@ namespace Orvik::Shared
 inline constexpr std::size_t RecordPrefixCapacity = 64;
 
 // Writes what "%04d/%02d/%02d %02d:%02d:%02d.%03d|%08X|%-11s|" gives for the parts of the time, the thread id and the
-// name of the level, terminated; returns its length. By hand, because a printf takes thirty times as long.
+// name of the level (at most 11 characters), terminated; returns its length. By hand, because a printf takes thirty
+// times as long.
 std::size_t WriteRecordPrefix(wchar_t (&buffer)[RecordPrefixCapacity], const SYSTEMTIME& time, DWORD threadId,
-                              int level) noexcept;
+                              std::wstring_view levelName) noexcept;
 } // namespace Orvik::Shared

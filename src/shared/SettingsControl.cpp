@@ -27,21 +27,23 @@ constexpr PolicyLocation g_locations[] = {
     {L"SOFTWARE\\Wow6432Node\\Policies\\Brannock-Vale\\Orvik Notifications", L"Try wow",
      L"Found in WOW, Brannock-Vale location."}};
 
-// The first key that exists is the only one consulted, even when the value is missing there. Null: none exists.
+// The first key that opens is the only one consulted, even when the value is missing there. Null: none opens.
 UniqueRegKey OpenPolicyKey(const char* functionName)
 {
-    UniqueRegKey key;
     for (const PolicyLocation& location : g_locations)
     {
         if (location.m_pTrying != nullptr)
             Log(Level::Verbose, functionName, L"%s", location.m_pTrying);
-        if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, location.m_pPath, 0, KEY_QUERY_VALUE, ReceiveInto(key)) == ERROR_SUCCESS)
+        UniqueRegKey key;
+        const LSTATUS opened =
+            RegOpenKeyExW(HKEY_LOCAL_MACHINE, location.m_pPath, 0, KEY_QUERY_VALUE, ReceiveInto(key));
+        if (opened == ERROR_SUCCESS && key)
         {
             Log(Level::Verbose, functionName, L"%s", location.m_pFound);
-            break;
+            return key;
         }
     }
-    return key;
+    return {};
 }
 
 bool IsTrue(HKEY key, const wchar_t* valueName)

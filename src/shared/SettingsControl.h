@@ -4,7 +4,7 @@
 class CSettingsControl
 {
 public:
-    // True when the first policy key that exists holds a string of that name which is "true" in any case.
+    // True when the first policy key that opens holds a string of that name which is "true" in any case.
     static bool GetRegistrySetting(const wchar_t* valueName);
 };
 

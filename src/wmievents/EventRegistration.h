@@ -38,6 +38,12 @@ inline HRESULT Subscribe(PublicWmiEvent& event, const wchar_t* eventClass, COrvi
     return event.RegisterEvent(eventClass, hub, handler);
 }
 
+// What comes before a subscription: the platform command object exists, which sets the flag unless that is null, and
+// the support command answers true unless that is null. The object is given back. isWanted: whether to subscribe; the
+// result is the last step's. Raises _com_error as SendCommand does.
+[[nodiscard]] HRESULT AskPlatform(const Orvik::Shared::TraceScope& trace, const wchar_t* supportCommand,
+                                  bool* showPrivacyDialog, bool& isWanted);
+
 // The steps of every registration, under the name of the operation whose trace is given. A former subscription in the
 // row's member is destroyed without being unregistered; one whose registration fails stays there.
 template <class Subscription, class Key, class Handler>
@@ -46,13 +52,9 @@ template <class Subscription, class Key, class Handler>
 {
     try
     {
-        IPlixCommandPtr spCommand;
-        HRESULT hr = CreateCommand(trace, spCommand);
-        if (FAILED(hr) || !spCommand)
-            return hr;
-        if (row.m_pbShowPrivacyDialog != nullptr)
-            *row.m_pbShowPrivacyDialog = true;
-        if (row.m_pSupportCommand != nullptr && !IsTrue(SendCommand(spCommand, row.m_pSupportCommand)))
+        bool isWanted = false;
+        HRESULT hr = AskPlatform(trace, row.m_pSupportCommand, row.m_pbShowPrivacyDialog, isWanted);
+        if (!isWanted)
             return hr;
 
         row.m_pSubscription = std::make_unique<Subscription>();

@@ -17,9 +17,9 @@ namespace Notifications::OrvikWmiEvents
 //   smart adapter      3                        RegisterSmartAdapterEvent  ProcessSmartAdapterEvent
 //   public BIOS event  "OrvikBIOS_BIOSEvent"    RegisterGPIOWMIEvent       ProcessWMIEvent
 //
-// Made, registered and destroyed on the main thread; handlers run on WMI's threads, also several at once, and let no
-// _com_error out. A registration returns the first failing result, that of a caught _com_error included; it logs its
-// own failures and leaves the other registrations alone.
+// Made, registered and destroyed on the main thread. Handlers run on WMI's threads, also several at once, and during
+// start-up the smart adapter's on the main thread; they let no exception out. A registration returns the first failing
+// result, that of a caught _com_error included; it logs its own failures and leaves the other registrations alone.
 class COrvikWmiEvents
 {
 public:

@@ -12,10 +12,12 @@ HRESULT CreateCommand(const TraceScope& trace, IPlixCommandPtr& spCommand)
     return hr;
 }
 
-_variant_t SendCommand(IPlixCommand* command, const wchar_t* name)
+_variant_t SendCommand(const TraceScope& trace, IPlixCommand* command, const wchar_t* name, HRESULT* result)
 {
-    TraceScope trace(ORVIK_FUNCTION, L"%s", name);
-    return ExecutePlixCommand(command, name);
+    trace.Verbose(L"Before Calling %s", name);
+    _variant_t answer = ExecutePlixCommand(command, name, result);
+    trace.Verbose(L"After Calling %s", name);
+    return answer;
 }
 
 bool IsTrue(const VARIANT& answer)

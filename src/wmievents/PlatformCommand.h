@@ -9,8 +9,10 @@ namespace Notifications::OrvikWmiEvents
 // operation's name; the slot is null then.
 [[nodiscard]] HRESULT CreateCommand(const Orvik::Shared::TraceScope& trace, IPlixCommandPtr& spCommand);
 
-// Traces the command's name and sends it. Raises _com_error as ExecutePlixCommand does.
-[[nodiscard]] _variant_t SendCommand(IPlixCommand* command, const wchar_t* name);
+// Sends a command, with a record before it and, when it succeeded, one after it under the operation's name. result: as
+// ExecutePlixCommand has it. Raises _com_error as that does.
+[[nodiscard]] _variant_t SendCommand(const Orvik::Shared::TraceScope& trace, IPlixCommand* command, const wchar_t* name,
+                                     HRESULT* result = nullptr);
 
 // Whether a command answered the boolean true; any other type is no.
 [[nodiscard]] bool IsTrue(const VARIANT& answer);

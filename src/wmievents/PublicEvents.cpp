@@ -5,6 +5,7 @@
 #include "wmievents/WmiEventsState.h"
 
 #include <cwchar>
+#include <exception>
 
 using Orvik::Shared::TraceScope;
 
@@ -20,12 +21,18 @@ std::wstring TextOf(const VARIANT* eventData)
     return eventData->bstrVal;
 }
 
-void ShowPublicEvent(const TraceScope& trace, const CStringW& eventClass, const VARIANT* eventData)
+// Whether firmware set-up lets events be shown. Raises _com_error as SendCommand does.
+bool AreEventsEnabled(const TraceScope& trace)
 {
     IPlixCommandPtr spCommand;
     if (FAILED(CreateCommand(trace, spCommand)) || !spCommand)
-        return;
-    if (!IsTrue(SendCommand(spCommand, L"F10Setting.WMIEvents.Enabled")))
+        return false;
+    return IsTrue(SendCommand(trace, spCommand, L"F10Setting.WMIEvents.Enabled"));
+}
+
+void ShowPublicEvent(const TraceScope& trace, const CStringW& eventClass, const VARIANT* eventData)
+{
+    if (!AreEventsEnabled(trace))
         return;
     if (_wcsicmp(eventClass.c_str(), g_szPublicEventClass) != 0)
         return;
@@ -58,6 +65,11 @@ void COrvikWmiEvents::ProcessWMIEvent(const CStringW& eventClass, VARIANT* event
     catch (const _com_error& error)
     {
         trace.Information(L"Exception when call Popup. hr = 0x%X", error.Error());
+    }
+    catch (const std::exception&)
+    {
+        // Only want of memory raises one here.
+        trace.Information(L"Exception when call Popup. hr = 0x%X", E_OUTOFMEMORY);
     }
 }
 } // namespace Notifications::OrvikWmiEvents

@@ -5,31 +5,33 @@
 #include <comdef.h>
 
 #include <algorithm>
-#include <string>
+#include <exception>
+#include <string_view>
 
 using Orvik::Shared::TraceScope;
+using Orvik::Shared::WideFormat;
 
 namespace Notifications::OrvikWmiEvents
 {
 namespace
 {
-// Empty for a value of another type.
-CStringW TextOf(const VARIANT& value)
+// Empty for a value of another type; lives as long as the value.
+std::wstring_view TextOf(const VARIANT& value)
 {
-    return value.vt == VT_BSTR && value.bstrVal != nullptr ? CStringW(value.bstrVal) : CStringW();
+    return value.vt == VT_BSTR && value.bstrVal != nullptr ? std::wstring_view(value.bstrVal) : std::wstring_view();
 }
 
-// In the system's code page, for "%S".
-std::string Narrow(const CStringW& text)
+// The formatter widens each byte of a "%S" text by itself, in the runtime's "C" locale: what has no byte of its own
+// there is shown as a question mark. The logger keeps less than the buffer holds.
+void LogNarrow(const TraceScope& trace, WideFormat<const char*> format, std::wstring_view text)
 {
-    // An overlong text is cut by the logger anyway; this keeps its length an int.
-    const int length = static_cast<int>(std::min<std::size_t>(text.size(), 4096));
-    std::string narrow(
-        static_cast<std::size_t>(WideCharToMultiByte(CP_ACP, 0, text.data(), length, nullptr, 0, nullptr, nullptr)),
-        '\0');
-    WideCharToMultiByte(CP_ACP, 0, text.data(), length, narrow.data(), static_cast<int>(narrow.size()), nullptr,
-                        nullptr);
-    return narrow;
+    if (!Orvik::Shared::IsLevelEnabled(Orvik::Shared::Level::Verbose))
+        return;
+    char narrow[512]{};
+    const std::size_t length = std::min(text.size(), sizeof(narrow) - 1);
+    std::ranges::transform(text.substr(0, length), narrow,
+                           [](wchar_t c) { return c < 0x80 || (c >= 0xA0 && c <= 0xFF) ? static_cast<char>(c) : '?'; });
+    trace.Verbose(format, static_cast<const char*>(narrow));
 }
 
 void ReadClassName(const TraceScope& trace, IWbemClassObject* object, CStringW& eventClass)
@@ -39,7 +41,7 @@ void ReadClassName(const TraceScope& trace, IWbemClassObject* object, CStringW& 
         return;
     _com_util::CheckError(VariantChangeType(&value, &value, 0, VT_BSTR));
     eventClass = TextOf(value);
-    trace.Verbose(L"Event Name : %S", Narrow(eventClass).c_str());
+    LogNarrow(trace, L"Event Name : %S", eventClass);
 }
 
 HRESULT ReadDescription(const TraceScope& trace, IWbemClassObject* object, VARIANT* data)
@@ -49,7 +51,7 @@ HRESULT ReadDescription(const TraceScope& trace, IWbemClassObject* object, VARIA
     if (SUCCEEDED(hr))
     {
         _com_util::CheckError(VariantCopy(data, &description));
-        trace.Verbose(L"Event data/Description : %S", Narrow(TextOf(*data)).c_str());
+        LogNarrow(trace, L"Event data/Description : %S", TextOf(*data));
     }
     return hr;
 }
@@ -96,14 +98,21 @@ PublicWMIEventSink::~PublicWMIEventSink()
 HRESULT PublicWMIEventSink::Indicate(long lObjectCount, IWbemClassObject** apObjArray)
 {
     TraceScope trace(ORVIK_FUNCTION);
-    HRESULT dataStatus = S_OK;
-    for (long i = 0; i < lObjectCount; ++i)
+    try
     {
-        const bool isPresent = apObjArray != nullptr && apObjArray[i] != nullptr;
-        // Every entry of a batch is reported with the first entry's values: the hub's handler is written for that.
-        Deliver(trace, isPresent, isPresent ? apObjArray[0] : nullptr, dataStatus, m_callbacks);
+        HRESULT dataStatus = S_OK;
+        for (long i = 0; i < lObjectCount; ++i)
+        {
+            const bool isPresent = apObjArray != nullptr && apObjArray[i] != nullptr;
+            // Every entry of a batch is reported with the first entry's values, as required.
+            Deliver(trace, isPresent, isPresent ? apObjArray[0] : nullptr, dataStatus, m_callbacks);
+        }
+        return trace.Exit(static_cast<HRESULT>(WBEM_S_NO_ERROR));
     }
-    return trace.Exit(static_cast<HRESULT>(WBEM_S_NO_ERROR));
+    catch (const std::exception&)
+    {
+        return trace.Exit(E_OUTOFMEMORY);
+    }
 }
 
 HRESULT PublicWMIEventSink::SetStatus(long lFlags, HRESULT hResult, BSTR, IWbemClassObject*)

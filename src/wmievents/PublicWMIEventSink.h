@@ -8,8 +8,9 @@ namespace Notifications::OrvikWmiEvents
 // Class name and description of the event, which are valid during the call only.
 using PublicEventCallbacks = EventCallbacks<const CStringW&, VARIANT*>;
 
-// Takes the deliveries of one public event class on WMI's threads and calls the hub there. A failed allocation of the
-// property name and a failed conversion of a value leave Indicate as _com_error.
+// Takes the deliveries of one public event class on WMI's threads and calls the hub there. A property name without
+// memory and a failed conversion of a value leave Indicate as _com_error; any other want of memory ends the batch with
+// E_OUTOFMEMORY.
 class PublicWMIEventSink final : public EventSink<PublicWMIEventSink, PublicEventCallbacks>
 {
 public:

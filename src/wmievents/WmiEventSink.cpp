@@ -4,6 +4,8 @@
 
 #include <comdef.h>
 
+#include <exception>
+
 using Orvik::Shared::TraceScope;
 
 namespace Notifications::OrvikWmiEvents
@@ -67,9 +69,16 @@ WmiEventSink::~WmiEventSink()
 HRESULT WmiEventSink::Indicate(long lObjectCount, IWbemClassObject** apObjArray)
 {
     TraceScope trace(ORVIK_FUNCTION);
-    for (long i = 0; i < lObjectCount; ++i)
-        Deliver(trace, apObjArray != nullptr ? apObjArray[i] : nullptr, m_callbacks);
-    return trace.Exit(static_cast<HRESULT>(WBEM_S_NO_ERROR));
+    try
+    {
+        for (long i = 0; i < lObjectCount; ++i)
+            Deliver(trace, apObjArray != nullptr ? apObjArray[i] : nullptr, m_callbacks);
+        return trace.Exit(static_cast<HRESULT>(WBEM_S_NO_ERROR));
+    }
+    catch (const std::exception&)
+    {
+        return trace.Exit(E_OUTOFMEMORY);
+    }
 }
 
 HRESULT WmiEventSink::SetStatus(long lFlags, HRESULT hResult, BSTR, IWbemClassObject*)

@@ -7,8 +7,8 @@ namespace Notifications::OrvikWmiEvents
 // Event number and the event's data, which are valid during the call only.
 using BiosEventCallbacks = EventCallbacks<int, VARIANT*>;
 
-// Takes the deliveries of one firmware event number on WMI's threads and calls the hub there. A failed allocation of a
-// property name leaves Indicate as _com_error.
+// Takes the deliveries of one firmware event number on WMI's threads and calls the hub there. A property name without
+// memory leaves Indicate as _com_error; any other want of memory ends the batch with E_OUTOFMEMORY.
 class WmiEventSink final : public EventSink<WmiEventSink, BiosEventCallbacks>
 {
 public:

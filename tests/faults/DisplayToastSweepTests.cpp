@@ -4,8 +4,8 @@
 #include "simulator/redirect/ImportRedirection.h"
 #include "tests/faults/FaultableFunction.h"
 #include "tests/faults/FaultSweep.h"
-#include "tests/notifications/HeapLedger.h"
 #include "tests/notifications/ToastMachine.h"
+#include "tests/support/AllocationFault.h"
 #include "tests/support/LogCapture.h"
 
 #include <windows.h>

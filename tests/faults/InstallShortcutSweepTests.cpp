@@ -2,8 +2,8 @@
 #include "simulator/model/Facts.h"
 #include "tests/faults/FaultableFunction.h"
 #include "tests/faults/FaultSweep.h"
-#include "tests/notifications/HeapLedger.h"
 #include "tests/notifications/ShellLinkMachine.h"
+#include "tests/support/AllocationFault.h"
 #include "tests/support/LogCapture.h"
 
 #include <windows.h>

@@ -4,12 +4,15 @@
 #include "simulator/model/Facts.h"
 #include "tests/faults/FaultSweep.h"
 #include "tests/support/LogCapture.h"
+#include "wmievents/PlatformCommand.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cwchar>
 
+using Notifications::OrvikWmiEvents::CreateCommand;
+using Notifications::OrvikWmiEvents::SendCommand;
 using Orvik::Shared::TraceScope;
 using Simulator::Facts;
 using testing::Contains;
@@ -18,6 +21,7 @@ using testing::ElementsAre;
 namespace
 {
 constexpr HRESULT g_hrInvalid = static_cast<HRESULT>(0x80000003);
+constexpr const wchar_t* g_before = L"Verbose|Caller|Before Calling Platform.MachineID";
 
 // The platform library answers a command with a text and explains each failure.
 class PlixFaultTest : public testing::Test
@@ -55,22 +59,20 @@ bool IsAllocation(const FaultStep& step)
     return step.m_strCall.starts_with("SysAllocString");
 }
 
-// What every routine does that asks the platform for a text.
+// A routine that asks the platform for a text as the handlers ask for their answers.
 HRESULT AskForText(std::wstring& text)
 {
     TraceScope trace("Caller");
     text.clear();
-    IPlixCommandPtr spCommand;
-    if (const HRESULT hr = CreatePlixCommand(spCommand); FAILED(hr) || !spCommand)
-    {
-        trace.Information(L"Create Plix instance cmd failed.  HR=0X%x", hr);
-        return trace.Exit(hr);
-    }
     try
     {
-        const _variant_t output = ExecutePlixCommand(spCommand, L"Platform.MachineID");
+        IPlixCommandPtr spCommand;
+        HRESULT hr = CreateCommand(trace, spCommand);
+        if (FAILED(hr) || !spCommand)
+            return trace.Exit(hr);
+        const _variant_t output = SendCommand(trace, spCommand, L"Platform.MachineID", &hr);
         text = output.vt == VT_BSTR && output.bstrVal != nullptr ? output.bstrVal : L"";
-        return trace.Exit(S_OK);
+        return trace.Exit(hr);
     }
     catch (const _com_error& error)
     {
@@ -113,7 +115,8 @@ TEST_F(PlixFaultTest, Execute_EachCallFails_LogsOneLineAndReturnsCode)
     {
         EXPECT_EQ(result, S_OK);
         EXPECT_EQ(text, L"8042");
-        EXPECT_THAT(TestSupport::OperationalLines(), testing::IsEmpty());
+        EXPECT_THAT(TestSupport::OperationalLines(),
+                    ElementsAre(g_before, L"Verbose|Caller|After Calling Platform.MachineID"));
     };
     m_sweep.m_checkFailure = [&](const FaultStep& step)
     {
@@ -128,7 +131,10 @@ TEST_F(PlixFaultTest, Execute_EachCallFails_LogsOneLineAndReturnsCode)
         const wchar_t* line = !created                ? L"Create Plix instance cmd failed.  HR=0X%x"
                               : result == g_hrInvalid ? L"Invalid Command. hr = 0x%X"
                                                       : L"Exception occurred, [hr:0x%08X]";
-        EXPECT_THAT(TestSupport::OperationalLines(), ElementsAre(L"Information|Caller|" + Formatted(line, result)));
+        std::vector<std::wstring> lines = {L"Information|Caller|" + Formatted(line, result)};
+        if (created)
+            lines.insert(lines.begin(), g_before);
+        EXPECT_THAT(TestSupport::OperationalLines(), testing::ElementsAreArray(lines));
         EXPECT_THAT(TestSupport::LogLines("Caller").back(), Formatted(L"TraceOut|hr: 0x%08X", result));
     };
     const std::vector<std::string> reached = m_sweep.Run();

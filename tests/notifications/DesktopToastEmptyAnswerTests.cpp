@@ -92,6 +92,15 @@ TEST_F(DesktopToastEmptyAnswerTest, DisplayToast_NoTextNode_Fails)
     ExpectFailureWithoutToast();
 }
 
+TEST_F(DesktopToastEmptyAnswerTest, DisplayToast_TextNodeIsNoNode_Fails)
+{
+    IXmlTextPtr spText;
+    ASSERT_EQ(Document(ToastTemplateType::ToastText01)->CreateTextNode(nullptr, &spText), S_OK);
+    const MethodRedirection redirection(spText.GetInterfacePtr(), QueryInterfaceMethod, &NothingGiven);
+    ExpectFailureWithoutToast();
+    EXPECT_EQ(Calls().back(), "IXmlDocument::CreateTextNode");
+}
+
 TEST_F(DesktopToastEmptyAnswerTest, DisplayToast_NoNotifier_Fails)
 {
     const MethodRedirection redirection(Manager().GetInterfacePtr(),

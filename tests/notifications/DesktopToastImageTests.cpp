@@ -77,6 +77,15 @@ TEST_F(DesktopToastImageTest, ImagePath_Always_IsBelowThe32BitProgramFolder)
     EXPECT_EQ(Shown()[0]["image"], "file:///D:\\Programme (x86)\\Orvik\\Orvik Notifications\\toastImageAndText.png");
 }
 
+TEST_F(DesktopToastImageTest, ImageFile_Missing_DoesNotStopTheToast)
+{
+    const std::wstring folder = L"C:\\no folder of programs";
+    ASSERT_EQ(GetFileAttributesW((folder + ImageBelowFolder).c_str()), INVALID_FILE_ATTRIBUTES);
+    g_specialFolder = {.m_pAnswer = folder.c_str()};
+    EXPECT_EQ(m_toast.DisplayToast(L"Title", L"Text"), S_OK);
+    EXPECT_EQ(m_desktop.VisibleCount(), 1u);
+}
+
 TEST_F(DesktopToastImageTest, ImagePath_FolderUnknown_FailsWithoutToast)
 {
     g_specialFolder = {};

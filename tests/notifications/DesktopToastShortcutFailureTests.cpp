@@ -26,8 +26,18 @@ constexpr HRESULT g_hrPlanned = static_cast<HRESULT>(0x80041234);
 DWORD g_answer = 0;
 DWORD g_error = ERROR_SUCCESS;
 
-DWORD WINAPI AnswerModuleFileName(HANDLE, HMODULE, LPWSTR path, DWORD size)
+// What the program's path was asked for with.
+struct PathQuestion
 {
+    HANDLE m_hProcess = nullptr;
+    HMODULE m_hModule = nullptr;
+    DWORD m_dwSize = 0;
+};
+PathQuestion g_pathQuestion;
+
+DWORD WINAPI AnswerModuleFileName(HANDLE process, HMODULE module, LPWSTR path, DWORD size)
+{
+    g_pathQuestion = {process, module, size};
     for (DWORD i = 0; i < g_answer && i < size; ++i)
         path[i] = i + 1 < size ? L'p' : L'\0';
     SetLastError(g_error);
@@ -110,6 +120,17 @@ TEST_F(DesktopToastShortcutFailureTest, Install_ProgramPathUnknown_GivesItsError
     g_error = ERROR_SUCCESS;
     EXPECT_EQ(m_toast.TryCreateShortcut(), E_FAIL);
     EXPECT_TRUE(Calls().empty());
+}
+
+TEST_F(DesktopToastShortcutFailureTest, Install_LongestProgramPathThatFits_IsLinkedTo)
+{
+    const Redirection<decltype(K32GetModuleFileNameExW)> redirection("K32GetModuleFileNameExW", &AnswerModuleFileName);
+    g_answer = MAX_PATH - 1;
+    EXPECT_EQ(m_toast.TryCreateShortcut(), S_OK);
+    EXPECT_EQ(Details("IShellLinkW::SetPath")["path"], std::string(259, 'p'));
+    EXPECT_EQ(g_pathQuestion.m_hProcess, GetCurrentProcess());
+    EXPECT_EQ(g_pathQuestion.m_hModule, nullptr);
+    EXPECT_EQ(g_pathQuestion.m_dwSize, 260u);
 }
 
 TEST_F(DesktopToastShortcutFailureTest, Install_ProgramPathIsCut_FailsInsteadOfLinkingToThePart)

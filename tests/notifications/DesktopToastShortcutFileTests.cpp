@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <thread>
 
 using Orvik::Shared::UniqueHandle;
 
@@ -93,6 +94,25 @@ TEST_F(DesktopToastShortcutFileTest, TryCreate_Missing_WritesAShortcutToThisProg
 {
     ASSERT_EQ(m_toast.TryCreateShortcut(), S_OK);
     EXPECT_EQ(TargetOf(m_startMenu.ShortcutPath()), ProgramPath());
+}
+
+TEST_F(DesktopToastShortcutFileTest, TryCreate_FromEitherKindOfApartment_WritesAShortcutToThisProgram)
+{
+    for (const DWORD kind : {COINIT_APARTMENTTHREADED, COINIT_MULTITHREADED})
+    {
+        HRESULT hr = E_UNEXPECTED;
+        std::thread(
+            [&]
+            {
+                const ComApartment apartment(kind);
+                hr = m_toast.TryCreateShortcut();
+            })
+            .join();
+        EXPECT_EQ(hr, S_OK) << kind;
+        ASSERT_TRUE(PathExists(m_startMenu.ShortcutPath())) << kind;
+        EXPECT_EQ(TargetOf(m_startMenu.ShortcutPath()), ProgramPath()) << kind;
+        std::filesystem::remove(m_startMenu.ShortcutPath());
+    }
 }
 
 TEST_F(DesktopToastShortcutFileTest, TryCreate_Twice_LeavesTheFirstOne)

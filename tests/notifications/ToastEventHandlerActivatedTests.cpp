@@ -61,6 +61,7 @@ protected:
     {
         g_shell.m_nCalls = 0;
         g_shell.m_nAnswer = 42;
+        g_callsFromThreads = 0;
     }
 
     [[nodiscard]] HRESULT Click() { return m_spHandler->Invoke(nullptr, nullptr); }

@@ -1,5 +1,6 @@
 #include "notifications/ToastEventHandler.h"
 
+#include "tests/notifications/HiddenWindow.h"
 #include "tests/support/LogCapture.h"
 
 #include <windows.h>
@@ -22,38 +23,6 @@ LRESULT CALLBACK DeafProcedure(HWND window, UINT message, WPARAM wParam, LPARAM 
 {
     return message == WM_SETTEXT ? FALSE : DefWindowProcW(window, message, wParam, lParam);
 }
-
-// A window of this thread that no screen shows.
-class HiddenWindow
-{
-public:
-    explicit HiddenWindow(WNDPROC procedure = &DefWindowProcW)
-    {
-        WNDCLASSW windowClass{};
-        windowClass.lpfnWndProc = procedure;
-        windowClass.lpszClassName = L"HiddenWindow";
-        RegisterClassW(&windowClass);
-        m_hwnd = CreateWindowExW(0, L"HiddenWindow", L"before", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-    }
-    HiddenWindow(const HiddenWindow&) = delete;
-    HiddenWindow& operator=(const HiddenWindow&) = delete;
-    ~HiddenWindow()
-    {
-        DestroyWindow(m_hwnd);
-        UnregisterClassW(L"HiddenWindow", nullptr);
-    }
-
-    [[nodiscard]] HWND Get() const noexcept { return m_hwnd; }
-    [[nodiscard]] std::wstring Text() const
-    {
-        wchar_t text[64] = L"";
-        GetWindowTextW(m_hwnd, text, 64);
-        return text;
-    }
-
-private:
-    HWND m_hwnd;
-};
 
 [[nodiscard]] HRESULT Fail(HWND toastWindow, HWND mainWindow)
 {

@@ -1,7 +1,7 @@
 #include "notifications/ToastEventHandler.h"
 
 #include "platform/ComPointers.h"
-#include "tests/notifications/HeapLedger.h"
+#include "tests/support/AllocationFault.h"
 
 #include <windows.h>
 
@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <latch>
 #include <thread>
 #include <vector>
 
@@ -160,6 +161,36 @@ TEST_F(ToastEventHandlerTest, Release_NotTheLastReference_KeepsTheHandler)
     m_pHandler->AddRef();
     m_pHandler->Release();
     EXPECT_EQ(LiveHeapBlocks(), blocks);
+}
+
+TEST_F(ToastEventHandlerTest, Release_LastReferencesFromManyThreadsAtOnce_FreeTheHandlerOnce)
+{
+    constexpr int threadCount = 8;
+    for (int round = 0; round < 200; ++round)
+    {
+        const std::size_t before = LiveHeapBlocks();
+        std::atomic<int> last = 0;
+        {
+            auto* const handler = new ToastEventHandler(nullptr, nullptr);
+            for (int i = 1; i < threadCount; ++i)
+                handler->AddRef();
+            std::latch start(threadCount);
+            std::vector<std::thread> threads;
+            for (int i = 0; i < threadCount; ++i)
+            {
+                threads.emplace_back(
+                    [&]
+                    {
+                        start.arrive_and_wait();
+                        last += handler->Release() == 0 ? 1 : 0;
+                    });
+            }
+            for (std::thread& thread : threads)
+                thread.join();
+        }
+        ASSERT_EQ(last, 1) << round;
+        ASSERT_EQ(LiveHeapBlocks(), before) << round;
+    }
 }
 
 TEST_F(ToastEventHandlerTest, References_FromManyThreads_AreAllCounted)

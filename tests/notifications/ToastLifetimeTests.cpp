@@ -5,8 +5,9 @@
 #include "simulator/model/Facts.h"
 #include "simulator/model/Journal.h"
 #include "simulator/model/LiveObjects.h"
-#include "tests/notifications/HeapLedger.h"
+#include "tests/notifications/HiddenWindow.h"
 #include "tests/notifications/ToastMachine.h"
+#include "tests/support/AllocationFault.h"
 #include "tests/support/LogCapture.h"
 
 #include <windows.h>
@@ -45,6 +46,20 @@ class ToastLifetimeTest : public ToastMachine
 protected:
     ToastLifetimeTest() { g_programs = 0; }
 
+    // Waits like WaitForEvents and lets the windows of this thread take their messages meanwhile.
+    void PumpUntilEventsEnd()
+    {
+        std::thread waiting(
+            [this, thread = GetCurrentThreadId()]
+            {
+                m_desktop.WaitForEvents();
+                PostThreadMessageW(thread, WM_QUIT, 0, 0);
+            });
+        MSG message;
+        while (GetMessageW(&message, nullptr, 0, 0) > 0)
+            DispatchMessageW(&message);
+        waiting.join();
+    }
     void Show(const wchar_t* title) { ASSERT_EQ(m_toast.DisplayToast(title, L"Text"), S_OK); }
 
     DesktopToast m_toast{nullptr, nullptr};
@@ -96,6 +111,19 @@ TEST_F(ToastLifetimeTest, Failure_AfterASuccessfulShow_ReachesTheHandler)
     Show(L"Title");
     m_desktop.WaitForEvents();
     EXPECT_TRUE(Logged(TraceOut, Invoke, L"hr: 0x80004005"));
+}
+
+TEST_F(ToastLifetimeTest, Failure_ToastOfAProgramWithWindows_IsToldByTheMainOneAlone)
+{
+    const HiddenWindow toastWindow;
+    const HiddenWindow mainWindow;
+    DesktopToast toast(toastWindow.Get(), mainWindow.Get());
+    ASSERT_EQ(toast.DisplayToast(L"Title", L"Text"), S_OK);
+    EXPECT_EQ(m_desktop.Fail(1, E_FAIL), S_OK);
+    PumpUntilEventsEnd();
+    EXPECT_EQ(mainWindow.Text(), L"The toast encountered an error.");
+    EXPECT_EQ(toastWindow.Text(), L"before");
+    EXPECT_TRUE(Logged(TraceOut, Invoke, L"hr: 0x00000000"));
 }
 
 TEST_F(ToastLifetimeTest, Handler_OfAShownToast_LivesUntilTheToastEnds)

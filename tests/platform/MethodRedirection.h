@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <unknwn.h>
+
 #include <cstddef>
 #include <cstring>
 
@@ -16,6 +18,10 @@ std::size_t SlotOf(Method method)
     std::memcpy(&offset, &method, sizeof(offset));
     return (offset - 1) / sizeof(void*);
 }
+
+// The method QueryInterface, whose name the headers give to a template as well.
+inline constexpr HRESULT (STDMETHODCALLTYPE IUnknown::*QueryInterfaceMethod)(REFIID,
+                                                                             void**) = &IUnknown::QueryInterface;
 
 // Puts a function in the place of one method of all objects of the same class as the sample, for the life of this
 // object: MethodRedirection r(document, &IXMLDOMDocument::put_async, &FailingPutAsync);

@@ -3,6 +3,8 @@
 #include "simulator/model/CallPlan.h"
 #include "simulator/model/Facts.h"
 #include "simulator/model/LiveObjects.h"
+#include "simulator/redirect/ImportRedirection.h"
+#include "tests/platform/MethodRedirection.h"
 #include "tests/platform/PlatformMachine.h"
 #include "tests/support/LogCapture.h"
 
@@ -18,6 +20,23 @@ using testing::ElementsAre;
 namespace
 {
 constexpr HRESULT g_hrPlanned = static_cast<HRESULT>(0x80041234);
+
+HRESULT WINAPI NoObject(REFCLSID, LPUNKNOWN, DWORD, REFIID, LPVOID* object)
+{
+    *object = nullptr;
+    return S_OK;
+}
+
+using QueryFunction = HRESULT STDMETHODCALLTYPE(IUnknown*, REFIID, void**);
+QueryFunction* g_query = nullptr;
+
+HRESULT STDMETHODCALLTYPE NoCommandInterface(IUnknown* object, REFIID iid, void** result)
+{
+    if (!IsEqualIID(iid, __uuidof(IPlixCommand)))
+        return g_query(object, iid, result);
+    *result = nullptr;
+    return S_OK;
+}
 
 // Creation of the command object, and its two trace records.
 class PlixCommandTest : public PlatformMachine
@@ -82,6 +101,28 @@ TEST_F(PlixCommandTest, Create_AStepFails_GivesItsCodeNullSlotAndNoReference)
         EXPECT_FALSE(spCommand) << step;
         EXPECT_EQ(LiveObjects::Count(), 0) << step;
     }
+}
+
+TEST_F(PlixCommandTest, Create_ServerGivesNoObject_FailsBeforeItIsRun)
+{
+    IPlixCommandPtr spCommand;
+    ASSERT_EQ(CreatePlixCommand(spCommand), S_OK);
+    const Simulator::Redirection<decltype(CoCreateInstance)> redirection("CoCreateInstance", &NoObject);
+    StartJournal();
+    EXPECT_EQ(CreatePlixCommand(spCommand), E_POINTER);
+    EXPECT_FALSE(spCommand);
+    EXPECT_TRUE(Calls().empty());
+}
+
+TEST_F(PlixCommandTest, Create_ObjectGivesNoInterface_SucceedsWithNullSlot)
+{
+    IPlixCommandPtr spCommand;
+    ASSERT_EQ(CreatePlixCommand(spCommand), S_OK);
+    const MethodRedirection redirection(spCommand.GetInterfacePtr(), QueryInterfaceMethod, &NoCommandInterface);
+    g_query = redirection.Original<QueryFunction>();
+    EXPECT_EQ(CreatePlixCommand(spCommand), S_OK);
+    EXPECT_FALSE(spCommand);
+    EXPECT_EQ(LiveObjects::Count(), 0);
 }
 
 TEST_F(PlixCommandTest, Create_AfterFailure_Works)

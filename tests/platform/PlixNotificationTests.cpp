@@ -3,6 +3,8 @@
 #include "simulator/model/CallPlan.h"
 #include "simulator/model/Facts.h"
 #include "simulator/model/LiveObjects.h"
+#include "simulator/redirect/ImportRedirection.h"
+#include "tests/platform/MethodRedirection.h"
 #include "tests/platform/PlatformMachine.h"
 
 #include <gmock/gmock.h>
@@ -15,6 +17,24 @@ using testing::ElementsAre;
 namespace
 {
 constexpr HRESULT g_hrPlanned = static_cast<HRESULT>(0x80041234);
+
+HRESULT WINAPI NoObject(REFCLSID, LPUNKNOWN, DWORD, REFIID, LPVOID* object)
+{
+    *object = nullptr;
+    return S_OK;
+}
+
+using QueryFunction = HRESULT STDMETHODCALLTYPE(IUnknown*, REFIID, void**);
+QueryFunction* g_query = nullptr;
+
+HRESULT STDMETHODCALLTYPE NoNotificationInterface(IUnknown* object, REFIID iid, void** result)
+{
+    constexpr IID notification = {0x3ABCD024, 0x1E97, 0x48C4, {0xA7, 0xD4, 0xC1, 0x16, 0x94, 0x4A, 0x49, 0x67}};
+    if (!IsEqualIID(iid, notification))
+        return g_query(object, iid, result);
+    *result = nullptr;
+    return S_OK;
+}
 
 class PlixNotificationTest : public PlatformMachine
 {
@@ -59,4 +79,25 @@ TEST_F(PlixNotificationTest, Create_AStepFails_GivesItsCodeNullSlotAndNoReferenc
         EXPECT_FALSE(spNotification) << step;
         EXPECT_EQ(LiveObjects::Count(), 0) << step;
     }
+}
+
+TEST_F(PlixNotificationTest, Create_ServerGivesNoObject_FailsBeforeItIsRun)
+{
+    IUnknownPtr spNotification;
+    const Simulator::Redirection<decltype(CoCreateInstance)> redirection("CoCreateInstance", &NoObject);
+    EXPECT_EQ(CreatePlixNotification(spNotification), E_POINTER);
+    EXPECT_FALSE(spNotification);
+    EXPECT_THAT(Calls(), ElementsAre("CLSIDFromProgID"));
+}
+
+TEST_F(PlixNotificationTest, Create_ObjectGivesNoInterface_FailsAndHoldsNothing)
+{
+    IUnknownPtr spNotification;
+    ASSERT_EQ(CreatePlixNotification(spNotification), S_OK);
+    const MethodRedirection redirection(spNotification.GetInterfacePtr(), QueryInterfaceMethod,
+                                        &NoNotificationInterface);
+    g_query = redirection.Original<QueryFunction>();
+    EXPECT_EQ(CreatePlixNotification(spNotification), E_POINTER);
+    EXPECT_FALSE(spNotification);
+    EXPECT_EQ(LiveObjects::Count(), 0);
 }

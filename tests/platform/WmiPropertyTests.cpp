@@ -3,6 +3,7 @@
 #include "simulator/model/CallPlan.h"
 #include "simulator/model/Facts.h"
 #include "simulator/model/LiveObjects.h"
+#include "simulator/redirect/ImportRedirection.h"
 #include "tests/platform/PlatformMachine.h"
 #include "tests/support/BstrLedger.h"
 
@@ -15,6 +16,11 @@ using Simulator::LiveObjects;
 namespace
 {
 constexpr HRESULT g_hrTypeMismatch = static_cast<HRESULT>(0x80041005);
+
+HRESULT WINAPI NoMemoryToConvert(VARIANTARG*, VARIANTARG*, USHORT, VARTYPE)
+{
+    return E_OUTOFMEMORY;
+}
 
 // Reading "Version" of the first operating system, whose value each test chooses.
 class WmiPropertyTest : public PlatformMachine
@@ -87,7 +93,14 @@ TEST_F(WmiPropertyTest, Get_ValueWithoutText_IsTypeMismatch)
 
 TEST_F(WmiPropertyTest, Get_GarbageType_FailsAndLeavesTextAlone)
 {
-    EXPECT_TRUE(FAILED(Read({{"raw", {{"vt", 4242}, {"value", 7}}}})));
+    EXPECT_EQ(Read({{"raw", {{"vt", 4242}, {"value", 7}}}}), DISP_E_BADVARTYPE);
+    EXPECT_EQ(m_strText, L"before");
+}
+
+TEST_F(WmiPropertyTest, Get_NoMemoryForTheConversion_GivesThatCodeAndLeavesTextAlone)
+{
+    const Simulator::Redirection<decltype(VariantChangeType)> noMemory("VariantChangeType", &NoMemoryToConvert);
+    EXPECT_EQ(Read({{"i4", 7}}), E_OUTOFMEMORY);
     EXPECT_EQ(m_strText, L"before");
 }
 

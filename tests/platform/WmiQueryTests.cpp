@@ -40,13 +40,15 @@ TEST_F(WmiQueryTest, Construct_Always_InitialisesComSecurityAndConnectionInThisO
     const WmiQuery query(Cimv2());
     EXPECT_THAT(Calls(), ElementsAre("CoInitializeEx", "CoInitializeSecurity", "CoCreateInstance",
                                      "IWbemLocator::ConnectServer", "CoSetProxyBlanket"));
-    EXPECT_EQ(CallDetails("CoInitializeEx")["flags"], 10);
-    const nlohmann::json security = CallDetails("CoInitializeSecurity");
-    EXPECT_EQ(security["descriptor"], false);
-    EXPECT_EQ(security["services"], -1);
-    EXPECT_EQ(security["authentication-level"], 0);
-    EXPECT_EQ(security["impersonation-level"], 3);
-    EXPECT_EQ(security["capabilities"], 0);
+    EXPECT_EQ(CallDetails("CoInitializeEx"), nlohmann::json({{"reserved", false}, {"flags", 10}}));
+    EXPECT_EQ(CallDetails("CoInitializeSecurity"), nlohmann::json({{"descriptor", false},
+                                                                   {"services", -1},
+                                                                   {"list", false},
+                                                                   {"authentication-level", 0},
+                                                                   {"impersonation-level", 3},
+                                                                   {"identities", false},
+                                                                   {"capabilities", 0},
+                                                                   {"reserved", false}}));
 }
 
 TEST_F(WmiQueryTest, Construct_Always_ConnectsWithFixedParameters)
@@ -70,7 +72,6 @@ TEST_F(WmiQueryTest, Construct_Always_ConnectsWithFixedParameters)
                                                                 {"impersonation-level", 3},
                                                                 {"identity", false},
                                                                 {"capabilities", 0}}));
-    EXPECT_EQ(query.ConnectedNamespace(), Cimv2());
     EXPECT_EQ(LiveObjects::Count("WbemLocator"), 0);
 }
 
@@ -141,7 +142,7 @@ TEST_F(WmiQueryTest, Connect_Again_ReleasesServicesFirst)
     EXPECT_THAT(CallsAndReferences(), testing::Contains("WbemServices::Release"));
     EXPECT_EQ(CallsAndReferences().front(), "WbemServices::Release");
     EXPECT_EQ(LiveObjects::Count("WbemServices"), 1);
-    EXPECT_EQ(query.ConnectedNamespace(), NamespacePath(WmiNamespace::Wmi));
+    EXPECT_EQ(CallDetails("IWbemLocator::ConnectServer")["namespace"], "\\\\.\\root\\wmi");
 }
 
 TEST_F(WmiQueryTest, Connect_UnknownNamespace_GivesWmisCode)
@@ -168,11 +169,24 @@ TEST_F(WmiQueryTest, Connect_NoMemoryForPath_RaisesOutOfMemoryAndHoldsNothing)
 
 TEST_F(WmiQueryTest, Query_WithoutConnection_CallsNothing)
 {
+    const auto expectNoCalls = [](WmiQuery& query, const char* reason)
+    {
+        StartJournal();
+        EXPECT_EQ(query.Query(g_pszVersions, 0x30), g_hrNotInitialized) << reason;
+        EXPECT_TRUE(CallsAndReferences().empty()) << reason;
+    };
+    for (const char* step : {"CoCreateInstance", "IWbemLocator::ConnectServer", "CoSetProxyBlanket"})
+    {
+        CallPlan::Instance().Reset();
+        CallPlan::Instance().Fail(step, g_hrPlanned);
+        WmiQuery query(Cimv2());
+        expectNoCalls(query, step);
+    }
+    WmiQuery unknown(L"\\\\.\\root\\nowhere");
+    expectNoCalls(unknown, "unknown namespace");
     Facts::Instance().Set("/wmi/registered", false);
-    WmiQuery query(Cimv2());
-    StartJournal();
-    EXPECT_EQ(query.Query(g_pszVersions, 0x30), g_hrNotInitialized);
-    EXPECT_TRUE(Calls().empty());
+    WmiQuery unregistered(Cimv2());
+    expectNoCalls(unregistered, "not registered");
 }
 
 TEST_F(WmiQueryTest, Query_Always_AsksInWqlAndGoesToFirstObject)
@@ -243,6 +257,15 @@ TEST_F(WmiQueryTest, Next_AfterLastObject_GivesFalseAndNoCurrentObject)
     std::wstring text = L"before";
     EXPECT_EQ(query.GetPropertyText(L"Version", text), static_cast<HRESULT>(WBEM_E_NOT_FOUND));
     EXPECT_EQ(query.Next(), WBEM_S_FALSE);
+}
+
+TEST_F(WmiQueryTest, Next_Always_ReleasesTheObjectBeforeItAsksForAnother)
+{
+    WmiQuery query(Cimv2());
+    ASSERT_EQ(query.Query(g_pszVersions, 0x30), WBEM_S_NO_ERROR);
+    StartJournal();
+    EXPECT_EQ(query.Next(), WBEM_S_FALSE);
+    EXPECT_THAT(CallsAndReferences(), ElementsAre("WbemClassObject::Release", "IEnumWbemClassObject::Next"));
 }
 
 TEST_F(WmiQueryTest, Next_SeveralObjects_AreGivenInOrder)

@@ -2,6 +2,7 @@
 #include "platform/XmlDocument.h"
 #include "simulator/redirect/ImportRedirection.h"
 #include "tests/platform/MethodRedirection.h"
+#include "tests/support/BstrLedger.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,6 +27,7 @@ struct Observed
 {
     decltype(CoCreateInstance)* m_pfnCreate = nullptr;
     HRESULT m_hrCreate = S_OK;
+    bool m_bGivesNothing = false;
     std::vector<Creation> m_lstCreations;
     IUnknown* m_pWatched = nullptr; // a document whose references are noted at each creation
     ULONG m_nReferencesAtCreation = 0;
@@ -45,6 +47,11 @@ HRESULT WINAPI ObservedCreate(REFCLSID classId, LPUNKNOWN outer, DWORD context, 
     }
     if (FAILED(g_observed.m_hrCreate))
         return g_observed.m_hrCreate;
+    if (g_observed.m_bGivesNothing)
+    {
+        *object = nullptr;
+        return S_OK;
+    }
     return g_observed.m_pfnCreate(classId, outer, context, iid, object);
 }
 
@@ -163,6 +170,20 @@ TEST_F(XmlDocumentFailureTest, Load_AfterRefusedSetting_Works)
     EXPECT_EQ(m_document.Load(_bstr_t(L"<a/>")), g_hrPlanned);
     g_observed.m_strFailing.clear();
     EXPECT_EQ(m_document.Load(_bstr_t(L"<a/>")), S_OK);
+    EXPECT_TRUE(m_document.IsReady());
+}
+
+TEST_F(XmlDocumentFailureTest, Load_AfterRefusedSetting_ReleasesTheRefusedDocumentFirst)
+{
+    g_observed.m_strFailing = "put_preserveWhiteSpace true";
+    EXPECT_EQ(m_document.Load(_bstr_t(L"<a/>")), g_hrPlanned);
+    const IXMLDOMDocumentPtr spRefused = m_document.GetDocument();
+    ASSERT_TRUE(spRefused);
+    EXPECT_FALSE(m_document.IsReady());
+    g_observed.m_strFailing.clear();
+    g_observed.m_pWatched = spRefused;
+    EXPECT_EQ(m_document.Load(_bstr_t(L"<a/>")), S_OK);
+    EXPECT_EQ(g_observed.m_nReferencesAtCreation, 1u);
 }
 
 TEST_F(XmlDocumentFailureTest, Load_ParserFails_GivesItsCodeAndReadsBack)
@@ -171,6 +192,7 @@ TEST_F(XmlDocumentFailureTest, Load_ParserFails_GivesItsCodeAndReadsBack)
     EXPECT_EQ(m_document.Load(_bstr_t(L"<a/>")), g_hrPlanned);
     EXPECT_EQ(g_observed.m_lstCalls.back(), "get_xml");
     EXPECT_NE(m_document.GetDocument(), nullptr);
+    EXPECT_TRUE(m_document.IsReady());
 }
 
 TEST_F(XmlDocumentFailureTest, Load_TextCannotBeReadBack_SucceedsWithoutText)
@@ -178,16 +200,35 @@ TEST_F(XmlDocumentFailureTest, Load_TextCannotBeReadBack_SucceedsWithoutText)
     EXPECT_EQ(m_document.Load(_bstr_t(L"<a/>")), S_OK);
     g_observed.m_strFailing = "get_xml";
     EXPECT_EQ(m_document.Load(_bstr_t(L"<a/>")), S_OK);
-    EXPECT_EQ(m_document.Text().length(), 0u);
+    EXPECT_EQ(m_document.Text(), nullptr);
 }
 
-TEST_F(XmlDocumentFailureTest, Load_MsxmlNotRegistered_GivesThatCodeAndHoldsNothing)
+TEST_F(XmlDocumentFailureTest, Load_CreationFails_GivesThatCodeAndHoldsNothing)
 {
+    for (const HRESULT hr : {REGDB_E_CLASSNOTREG, CO_E_NOTINITIALIZED, E_OUTOFMEMORY})
+    {
+        g_observed.m_hrCreate = S_OK;
+        EXPECT_EQ(m_document.Load(_bstr_t(L"<a/>")), S_OK);
+        EXPECT_TRUE(m_document.IsReady());
+        g_observed.m_hrCreate = hr;
+        EXPECT_EQ(m_document.Load(_bstr_t(L"<a/>")), hr);
+        EXPECT_EQ(m_document.GetDocument(), nullptr);
+        EXPECT_FALSE(m_document.IsReady());
+        EXPECT_EQ(m_document.Text(), nullptr);
+    }
+}
+
+TEST_F(XmlDocumentFailureTest, Load_CreationGivesNoDocument_FailsAndHoldsNothing)
+{
+    const TestSupport::BstrLedger ledger;
     EXPECT_EQ(m_document.Load(_bstr_t(L"<a/>")), S_OK);
-    g_observed.m_hrCreate = REGDB_E_CLASSNOTREG;
-    EXPECT_EQ(m_document.Load(_bstr_t(L"<a/>")), REGDB_E_CLASSNOTREG);
+    EXPECT_THAT(ledger.LiveTexts(), testing::ElementsAre(L"<written-back/>"));
+    g_observed.m_bGivesNothing = true;
+    EXPECT_EQ(m_document.Load(_bstr_t(L"<a/>")), E_POINTER);
     EXPECT_EQ(m_document.GetDocument(), nullptr);
-    EXPECT_EQ(m_document.Text().length(), 0u);
+    EXPECT_FALSE(m_document.IsReady());
+    EXPECT_EQ(m_document.Text(), nullptr);
+    EXPECT_THAT(ledger.LiveTexts(), testing::IsEmpty());
 }
 
 TEST_F(XmlDocumentFailureTest, Load_Twice_ReleasesFirstBeforeCreatingSecond)

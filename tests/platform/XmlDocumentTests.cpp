@@ -1,11 +1,13 @@
 #include "platform/XmlDocument.h"
 
 #include "platform/ComApartment.h"
+#include "tests/support/BstrLedger.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
 
 namespace
 {
@@ -49,7 +51,13 @@ TEST_F(XmlDocumentTest, New_HoldsNothing)
 {
     EXPECT_EQ(m_document.GetDocument(), nullptr);
     EXPECT_FALSE(m_document.IsReady());
-    EXPECT_EQ(m_document.Text().length(), 0u);
+    EXPECT_EQ(m_document.Text(), nullptr);
+}
+
+TEST_F(XmlDocumentTest, Copies_OfAHolder_DoNotExist)
+{
+    EXPECT_FALSE(std::is_copy_constructible_v<XmlDocument>);
+    EXPECT_FALSE(std::is_copy_assignable_v<XmlDocument>);
 }
 
 TEST_F(XmlDocumentTest, Load_WellFormedText_GivesItsNodes)
@@ -95,7 +103,7 @@ TEST_F(XmlDocumentTest, Load_TextThatDoesNotParse_ForgetsEarlierText)
 {
     ASSERT_EQ(Load(L"<first/>"), S_OK);
     EXPECT_EQ(Load(L"<second>"), E_FAIL);
-    EXPECT_EQ(m_document.Text().length(), 0u);
+    EXPECT_EQ(SysStringLen(m_document.Text()), 0u);
 }
 
 TEST_F(XmlDocumentTest, Load_AfterFailure_Works)
@@ -165,4 +173,16 @@ TEST_F(XmlDocumentTest, Destruction_GivesDocumentBack)
         held = References(spKept);
     }
     EXPECT_EQ(References(spKept), held - 1);
+}
+
+TEST_F(XmlDocumentTest, TextsOfMsxml_AfterTwoLoadsAndTheEnd_AreAllFreed)
+{
+    const TestSupport::BstrLedger ledger({L"msxml3.dll"});
+    {
+        XmlDocument document;
+        EXPECT_EQ(document.Load(_bstr_t(L"<first/>")), S_OK);
+        EXPECT_EQ(document.Load(_bstr_t(L"<second/>")), S_OK);
+        EXPECT_THAT(ledger.LiveTexts(), testing::Contains(std::wstring(document.Text())));
+    }
+    EXPECT_THAT(ledger.LiveTexts(), testing::IsEmpty());
 }

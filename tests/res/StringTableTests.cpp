@@ -103,13 +103,16 @@ TEST_F(StringTable, LoadString_EnglishUser_GetsTheTexts)
     }
 }
 
-// The buffers that the texts are loaded into: 100 for title and class, 128 for toast titles, 520 for toast texts, 2,048
-// for the texts of dialogs, each with its terminator.
+// The buffers that the texts are loaded into: 100 for title and class, 128 for toast titles, 260 for the toast texts of
+// the smart adapter, 520 for those of USB-C, 2,048 for the texts of dialogs, each with its terminator.
 TEST_F(StringTable, Texts_FitTheBuffersTheyAreLoadedInto)
 {
     std::map<unsigned, size_t> capacity = {{IDS_APP_TITLE, 100}, {IDS_WINDOW_CLASS, 100}, {IDS_USBC_TITLE, 128}};
-    for (const unsigned id :
-         {501u, 502u, 503u, 509u, 510u, 511u, 512u, 513u, 517u, 518u, 519u, 520u, 521u, 526u, 527u, 528u})
+    for (const unsigned id : {501u, 502u, 503u, 528u})
+    {
+        capacity[id] = 260;
+    }
+    for (const unsigned id : {509u, 510u, 511u, 512u, 513u, 517u, 518u, 519u, 520u, 521u, 526u, 527u})
     {
         capacity[id] = 520;
     }

@@ -8,12 +8,15 @@
 
 #include <deque>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace
 {
 using namespace Orvik::Shared;
 using testing::ElementsAre;
+
+static_assert(std::is_nothrow_constructible_v<CElapsedTimer, CLogger&, const char*>);
 
 std::deque<ULONGLONG> g_ticks;
 
@@ -112,6 +115,13 @@ TEST_F(ElapsedTimer, LastError_SurvivesTheRecord)
         SetLastError(ERROR_FILE_NOT_FOUND);
     }
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+}
+
+TEST_F(ElapsedTimer, NullName_CountsAsEmpty)
+{
+    Time(0, 10'000, nullptr);
+    EXPECT_THAT(m_lstFunctions, ElementsAre(""));
+    EXPECT_EQ(m_pLogger->Statistics().Find("")->m_nCalls, 1u);
 }
 
 TEST_F(ElapsedTimer, LoggerThatDoesNotTakeDiag_StillCounts)

@@ -197,4 +197,19 @@ TEST(ConsoleListener, Record_IsPrintedInShortForm)
     listener.Write(LogData(Level::Verbose, "N::C::F", L"text 100 %s"));
     EXPECT_EQ(outlets.Printed(), "N::C::F : text 100 %s\r\r\n");
 }
+
+// What two records print, the first of which has that message.
+std::string PrintedOf(const wchar_t* message)
+{
+    Outlets outlets;
+    COrvikLogListenerConsole listener(Level::Error, LoggingPolicy());
+    listener.Write(LogData(Level::Verbose, "F", message));
+    listener.Write(LogData(Level::Verbose, "F", L"next"));
+    return outlets.Printed();
+}
+
+TEST(ConsoleListener, CharacterThatTheCodePageLacks_CostsNoOther)
+{
+    EXPECT_EQ(PrintedOf(L"\xA7 1 costs 5 \x20AC, \xD83D\xDE00"), "F : \xA7 1 costs 5 ?, ??\r\r\nF : next\r\r\n");
+}
 } // namespace

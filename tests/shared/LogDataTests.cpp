@@ -1,5 +1,7 @@
 #include "shared/LogData.h"
 
+#include "simulator/redirect/ImportRedirection.h"
+
 #include <gtest/gtest.h>
 
 #include <cwchar>
@@ -13,11 +15,9 @@ using LogData = COrvikLogListener::LogData;
 static_assert(std::has_virtual_destructor_v<LogData>);
 static_assert(std::is_copy_constructible_v<LogData> && std::is_copy_assignable_v<LogData>);
 
-ULONGLONG Ticks(const SYSTEMTIME& time)
+void WINAPI TimeOfTheTest(LPSYSTEMTIME time)
 {
-    FILETIME file{};
-    SystemTimeToFileTime(&time, &file);
-    return static_cast<ULONGLONG>(file.dwHighDateTime) << 32 | file.dwLowDateTime;
+    *time = {1999, 12, 5, 31, 23, 59, 58, 987};
 }
 
 TEST(LogData, NewRecord_HoldsWhatItWasGiven)
@@ -32,13 +32,16 @@ TEST(LogData, NewRecord_HoldsWhatItWasGiven)
 
 TEST(LogData, NewRecord_TakesTheLocalTime)
 {
-    SYSTEMTIME before{};
-    SYSTEMTIME after{};
-    GetLocalTime(&before);
+    const Simulator::Redirection<decltype(GetLocalTime)> localTime("GetLocalTime", &TimeOfTheTest);
     const LogData data(3, "F", L"");
-    GetLocalTime(&after);
-    EXPECT_LE(Ticks(before), Ticks(data.Time()));
-    EXPECT_GE(Ticks(after), Ticks(data.Time()));
+    EXPECT_EQ(data.Time().wYear, 1999);
+    EXPECT_EQ(data.Time().wMonth, 12);
+    EXPECT_EQ(data.Time().wDay, 31);
+    EXPECT_EQ(data.Time().wHour, 23);
+    EXPECT_EQ(data.Time().wMinute, 59);
+    EXPECT_EQ(data.Time().wSecond, 58);
+    EXPECT_EQ(data.Time().wMilliseconds, 987);
+    EXPECT_TRUE(data.GetLine().starts_with(L"1999/12/31 23:59:58.987|")) << data.GetLine();
 }
 
 TEST(LogData, NullNameAndMessage_CountAsEmpty)
@@ -53,7 +56,7 @@ TEST(LogData, NullNameAndMessage_CountAsEmpty)
 TEST(LogData, Line_EqualsThePrintf)
 {
     std::string name;
-    for (int c = 1; c <= 0x7F; ++c)
+    for (int c = 1; c <= 0xFF; ++c)
         name.push_back(static_cast<char>(c));
     const LogData data(4, name.c_str(), L"100 % | \x20AC \xD83D\xDE00");
     const SYSTEMTIME& time = data.Time();
@@ -78,6 +81,13 @@ TEST(LogData, SecondLine_ComesFromTheCache)
     EXPECT_EQ(data.GetLine(), L"marked line");
     const_cast<std::wstring&>(data.LevelName()) = L"marked name";
     EXPECT_EQ(data.LevelName(), L"marked name");
+}
+
+TEST(LogData, Line_ShowsTheNameThatIsKept)
+{
+    const LogData data(5, "F", L"text");
+    const_cast<std::wstring&>(data.LevelName()) = L"marked name";
+    EXPECT_TRUE(data.GetLine().ends_with(L"|marked name|F|text")) << data.GetLine();
 }
 
 TEST(LogData, Copy_HoldsEverything)

@@ -89,6 +89,11 @@ TEST_F(LoggerCreation, FileAndDebugInLowerCase_LeaveTheEventLogAlone)
     EXPECT_THAT(ArrivalsWith(L"file, debug"), ElementsAre("debug"));
 }
 
+TEST_F(LoggerCreation, FileAlone_IsAChoice)
+{
+    EXPECT_THAT(ArrivalsWith(L"FILE"), IsEmpty()) << "neither the event log nor another outlet of the default";
+}
+
 TEST_F(LoggerCreation, NoKnownWord_FallsBackToTheDefault)
 {
     for (const wchar_t* text : {L"NONE", L"", L"EVEN", L"1", L"\u0130VENT"})
@@ -99,14 +104,25 @@ TEST_F(LoggerCreation, UnusableValue_FallsBackToTheDefault)
 {
     m_product.Number(L"LoggingType", 2);
     EXPECT_THAT(ArrivalsOfError(g_event), ElementsAre("event"));
-    m_product.Text(L"LoggingType", L"DEBUG", REG_MULTI_SZ);
-    EXPECT_THAT(ArrivalsOfError(g_event), ElementsAre("event"));
-    m_product.Text(L"LoggingType", L"DEBUG" + std::wstring(60, L' '));
-    EXPECT_THAT(ArrivalsOfError(g_event), ElementsAre("event"));
+    for (const DWORD type : {REG_EXPAND_SZ, REG_MULTI_SZ, REG_BINARY})
+    {
+        m_product.Text(L"LoggingType", L"DEBUG", type);
+        EXPECT_THAT(ArrivalsOfError(g_event), ElementsAre("event")) << type;
+    }
     auto odd = BytesOf(L"DEBUG");
     odd.push_back(0);
     m_product.Raw(L"LoggingType", REG_SZ, odd);
     EXPECT_THAT(ArrivalsOfError(g_event), ElementsAre("event"));
+}
+
+TEST_F(LoggerCreation, ValueOf64Characters_IsUsedAndALongerOneIsNot)
+{
+    std::wstring text = std::wstring(58, L' ') + L"DEBUG";
+    EXPECT_THAT(ArrivalsWith(text.c_str()), ElementsAre("debug")) << "63 and the terminator";
+    text.insert(0, 1, L' ');
+    m_product.Raw(L"LoggingType", REG_SZ, BytesOf(text));
+    EXPECT_THAT(ArrivalsOfError(g_event), ElementsAre("debug")) << "64 without terminator";
+    EXPECT_THAT(ArrivalsWith(text.c_str()), ElementsAre("event")) << "64 and the terminator";
 }
 
 TEST_F(LoggerCreation, ValueWithoutTerminator_IsUsed)

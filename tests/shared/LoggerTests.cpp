@@ -1,5 +1,6 @@
 #include "shared/Logger.h"
 
+#include "simulator/redirect/ImportRedirection.h"
 #include "tests/shared/ListenerDouble.h"
 
 #include <gmock/gmock.h>
@@ -201,6 +202,37 @@ TEST_F(Logger, ThrowingListener_LosesTheRecordOnly)
     throws = false;
     logger.Log(Level::Error, "F", L"kept");
     EXPECT_THAT(m_lstWritten, ElementsAre(L"kept"));
+}
+
+TEST_F(Logger, ThrowingListener_LeavesTheRecordToThoseBehindIt)
+{
+    m_lstListeners[m_nListeners++] =
+        ListenerDouble::Make(L"Error", L"Error", [](const auto&) { throw std::length_error("list<T> too long"); });
+    CLogger& logger = Add(L"Error", L"Error").Make();
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    logger.Log(Level::Error, "F", L"x");
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    EXPECT_THAT(m_lstWritten, ElementsAre(L"2:5:F:x"));
+}
+
+unsigned g_timesTaken;
+
+void WINAPI CountedLocalTime(LPSYSTEMTIME time)
+{
+    ++g_timesTaken;
+    *time = {};
+}
+
+TEST_F(Logger, RecordOutsideTheRange_TakesNoTime)
+{
+    CLogger& logger = Add(L"Warning", L"Error").Make();
+    const Simulator::Redirection<decltype(GetLocalTime)> localTime("GetLocalTime", &CountedLocalTime);
+    g_timesTaken = 0;
+    for (const int level : {-1, 0, 1, 2, 3, 6, 7, 99})
+        logger.Log(level, "F", L"x");
+    EXPECT_EQ(g_timesTaken, 0u);
+    logger.Log(Level::Warning, "F", L"x");
+    EXPECT_EQ(g_timesTaken, 1u);
 }
 
 TEST_F(Logger, Listeners_DieWithTheLogger)

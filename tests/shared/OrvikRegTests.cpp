@@ -133,6 +133,15 @@ TEST_F(OrvikRegValue, ReadValueWithBadArguments_GivesTheirCode)
     EXPECT_EQ(COrvikReg::ReadValue(HKEY_LOCAL_MACHINE, nullptr, L"Value", nullptr, m_text, &m_dwSize, 0), 160);
 }
 
+// Unlike GetValue it leaves a buffer without room to the system.
+TEST_F(OrvikRegValue, ReadValueWithoutRoom_TellsTheSize)
+{
+    m_dwSize = 0;
+    EXPECT_EQ(COrvikReg::ReadValue(HKEY_LOCAL_MACHINE, g_path, L"Value", nullptr, m_text, &m_dwSize, 0),
+              ERROR_MORE_DATA);
+    EXPECT_EQ(m_dwSize, 5 * sizeof(wchar_t));
+}
+
 TEST_F(OrvikRegValue, EveryOutcome_LeavesNoHandle)
 {
     const COrvikReg missing(HKEY_LOCAL_MACHINE, g_path, L"None", true);

@@ -2,8 +2,8 @@
 #include "shared/Log.h"
 
 #include "simulator/redirect/ImportRedirection.h"
-#include "tests/shared/AllocationFault.h"
 #include "tests/shared/ListenerDouble.h"
+#include "tests/support/AllocationFault.h"
 #include "tests/support/LogCapture.h"
 
 #include <gtest/gtest.h>
@@ -65,22 +65,7 @@ TEST(OutOfMemory, RecordAfterALostOne_IsWritten)
 TEST(OutOfMemory, TimerThatCannotCount_Ends)
 {
     CLogger logger{CLogger::Listeners{}};
-    EXPECT_GE(FailEachAllocation(
-                  [&logger]
-                  {
-                      CElapsedTimer* timer = nullptr;
-                      alignas(CElapsedTimer) std::byte storage[sizeof(CElapsedTimer)];
-                      try
-                      {
-                          timer = new (storage) CElapsedTimer(logger, g_longName);
-                      }
-                      catch (const std::bad_alloc&)
-                      {
-                          return;
-                      }
-                      timer->~CElapsedTimer();
-                  }),
-              1u);
+    EXPECT_GE(FailEachAllocation([&logger] { const CElapsedTimer timer(logger, g_longName); }), 1u);
 }
 
 TEST(OutOfMemory, DisabledRecord_AllocatesNothing)

@@ -8,18 +8,21 @@
 
 namespace
 {
+Outlets* g_current;
 std::vector<std::string> g_arrivals;
 std::vector<std::wstring> g_debugTexts;
 std::size_t g_printedBefore;
 
 WINBOOL WINAPI CountedReportEvent(HANDLE, WORD, WORD, DWORD, PSID, WORD, DWORD, LPCWSTR*, LPVOID)
 {
+    g_current->NotePrinted();
     g_arrivals.emplace_back("event");
     return TRUE;
 }
 
 void WINAPI KeptDebugString(LPCWSTR text)
 {
+    g_current->NotePrinted();
     g_arrivals.emplace_back("debug");
     g_debugTexts.emplace_back(text);
 }
@@ -39,6 +42,7 @@ Outlets::Outlets()
     : m_reportEvent("ReportEventW", &CountedReportEvent), m_debugString("OutputDebugStringW", &KeptDebugString),
       m_strPrintFile(TemporaryFile())
 {
+    g_current = this;
     g_arrivals.clear();
     g_debugTexts.clear();
     g_printedBefore = 0;
@@ -68,14 +72,17 @@ std::string Outlets::Printed()
     return bytes;
 }
 
-// The console cannot say when; it is last in the order of listeners.
-std::vector<std::string> Outlets::Take()
+void Outlets::NotePrinted()
 {
-    std::vector<std::string> arrivals = std::exchange(g_arrivals, {});
     const std::size_t printed = Printed().size();
     if (printed != std::exchange(g_printedBefore, printed))
-        arrivals.emplace_back("console");
-    return arrivals;
+        g_arrivals.emplace_back("console");
+}
+
+std::vector<std::string> Outlets::Take()
+{
+    NotePrinted();
+    return std::exchange(g_arrivals, {});
 }
 
 const std::vector<std::wstring>& Outlets::DebugTexts() const

@@ -1,6 +1,7 @@
 #include "shared/Log.h"
 
-#include "tests/shared/AllocationFault.h"
+#include "simulator/redirect/ImportRedirection.h"
+#include "tests/support/AllocationFault.h"
 #include "tests/support/EventLogCapture.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/PolicyKey.h"
@@ -19,16 +20,65 @@ using namespace TestSupport;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Tests of the first record of a process: CTest runs each in a process of its own.
+// Tests of the first record of a process: CTest runs each in a process of its own. The logger that they make stays, so
+// they are not run before others either.
 class FirstRecord : public testing::Test
 {
 protected:
     void SetUp() override
     {
-        if (!EventLogCapture::OpenSources().empty())
-            GTEST_SKIP() << "this process has logged before; run this test alone";
+        if (g_enabledLevels != ~0u || testing::UnitTest::GetInstance()->test_to_run_count() != 1)
+            GTEST_SKIP() << "needs a process of its own; run this test alone";
     }
 };
+
+decltype(RegOpenKeyExW)* g_realOpen;
+decltype(RegisterEventSourceW)* g_realRegister;
+
+LSTATUS WINAPI DisturbingOpen(HKEY parent, LPCWSTR path, DWORD options, REGSAM access, PHKEY key)
+{
+    const LSTATUS status = g_realOpen(parent, path, options, access, key);
+    SetLastError(ERROR_INVALID_DATA);
+    return status;
+}
+
+HANDLE WINAPI DisturbingRegister(LPCWSTR server, LPCWSTR source)
+{
+    const HANDLE handle = g_realRegister(server, source);
+    SetLastError(ERROR_ACCESS_DENIED);
+    return handle;
+}
+
+// Every call by which the logger is made leaves another last-error code behind. Errors alone are enabled.
+class FirstRecordAfterAFailure : public FirstRecord
+{
+protected:
+    static DWORD LastErrorAfter(int level)
+    {
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, LoggingKey);
+        const Simulator::Redirection<decltype(RegOpenKeyExW)> open("RegOpenKeyExW", &DisturbingOpen);
+        const Simulator::Redirection<decltype(RegisterEventSourceW)> source("RegisterEventSourceW",
+                                                                            &DisturbingRegister);
+        g_realOpen = open.Original();
+        g_realRegister = source.Original();
+        SetLastError(ERROR_FILE_NOT_FOUND);
+        Log(level, "F", L"x");
+        return GetLastError();
+    }
+};
+
+TEST_F(FirstRecordAfterAFailure, LastErrorAtAnEnabledLevel_Survives)
+{
+    EXPECT_EQ(LastErrorAfter(Level::Error), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    EXPECT_THAT(LogLines(), ElementsAre(L"Error|F|x"));
+}
+
+TEST_F(FirstRecordAfterAFailure, LastErrorAtADisabledLevel_Survives)
+{
+    EXPECT_EQ(LastErrorAfter(Level::Verbose), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    EXPECT_TRUE(NothingLogged());
+    EXPECT_FALSE(IsLevelEnabled(Level::Verbose));
+}
 
 TEST_F(FirstRecord, NoPolicy_LetsErrorsThrough)
 {

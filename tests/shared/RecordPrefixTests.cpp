@@ -27,7 +27,7 @@ std::wstring ByHand(const SYSTEMTIME& time, DWORD threadId, int level)
 {
     wchar_t buffer[RecordPrefixCapacity];
     wmemset(buffer, L'#', RecordPrefixCapacity);
-    const std::size_t length = WriteRecordPrefix(buffer, time, threadId, level);
+    const std::size_t length = WriteRecordPrefix(buffer, time, threadId, LevelName(level));
     EXPECT_LT(length, RecordPrefixCapacity);
     EXPECT_EQ(buffer[length], L'\0');
     return std::wstring(buffer, length);

@@ -101,6 +101,7 @@ TEST_F(SuppressValue, NoData_IsOff)
 TEST_F(SuppressValue, FurtherTerminators_AreAllowed)
 {
     EXPECT_TRUE(IsOnWith(REG_SZ, std::wstring_view(L"true\0\0\0", 7)));
+    EXPECT_TRUE(IsOnWith(REG_SZ, std::wstring_view(L"true\0junk\0", 10))) << "the text ends at the first";
 }
 
 TEST_F(SuppressValue, DataOf520Bytes_IsReadAndMoreIsOff)

@@ -31,21 +31,24 @@ protected:
     }
 };
 
+// The error that a refused call leaves behind, 0 for none.
+DWORD g_dwLeft = ERROR_NOT_ENOUGH_MEMORY;
+
 HANDLE WINAPI RefusingCreateThread(LPSECURITY_ATTRIBUTES, SIZE_T, LPTHREAD_START_ROUTINE, LPVOID, DWORD, LPDWORD)
 {
-    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    SetLastError(g_dwLeft);
     return nullptr;
 }
 
 HANDLE WINAPI RefusingCreateEventW(LPSECURITY_ATTRIBUTES, WINBOOL, WINBOOL, LPCWSTR)
 {
-    SetLastError(ERROR_NO_SYSTEM_RESOURCES);
+    SetLastError(g_dwLeft);
     return nullptr;
 }
 
 WINBOOL WINAPI RefusingSetEvent(HANDLE)
 {
-    SetLastError(ERROR_INVALID_HANDLE);
+    SetLastError(g_dwLeft);
     return FALSE;
 }
 } // namespace
@@ -132,7 +135,7 @@ TEST_F(MultithreadedApartmentTest, Run_NoEvent_ReturnsTheErrorAndTheNextCallStar
 {
     {
         const Redirection<decltype(CreateEventW)> refusing("CreateEventW", &RefusingCreateEventW);
-        EXPECT_EQ(Run([] { return S_OK; }), HRESULT_FROM_WIN32(ERROR_NO_SYSTEM_RESOURCES));
+        EXPECT_EQ(Run([] { return S_OK; }), HRESULT_FROM_WIN32(ERROR_NOT_ENOUGH_MEMORY));
     }
     EXPECT_EQ(Run([] { return S_OK; }), S_OK);
 }
@@ -143,10 +146,31 @@ TEST_F(MultithreadedApartmentTest, Run_RequestCannotBeSignalled_ReturnsTheErrorI
     bool hasRun = false;
     {
         const Redirection<decltype(SetEvent)> refusing("SetEvent", &RefusingSetEvent);
-        EXPECT_EQ(Run([&] { return hasRun = true, S_OK; }), HRESULT_FROM_WIN32(ERROR_INVALID_HANDLE));
+        EXPECT_EQ(Run([&] { return hasRun = true, S_OK; }), HRESULT_FROM_WIN32(ERROR_NOT_ENOUGH_MEMORY));
     }
     EXPECT_FALSE(hasRun);
     EXPECT_EQ(Run([&] { return hasRun = true, S_OK; }), S_OK);
+}
+
+TEST_F(MultithreadedApartmentTest, Run_RefusedCallLeavesNoError_IsAFailureAllTheSame)
+{
+    g_dwLeft = ERROR_SUCCESS;
+    bool hasRun = false;
+    const auto work = [&] { return hasRun = true, S_OK; };
+    {
+        const Redirection<decltype(CreateEventW)> refusing("CreateEventW", &RefusingCreateEventW);
+        EXPECT_EQ(Run(work), E_FAIL);
+    }
+    {
+        const Redirection<decltype(CreateThread)> refusing("CreateThread", &RefusingCreateThread);
+        EXPECT_EQ(Run(work), E_FAIL);
+    }
+    ASSERT_EQ(Run([] { return S_OK; }), S_OK);
+    {
+        const Redirection<decltype(SetEvent)> refusing("SetEvent", &RefusingSetEvent);
+        EXPECT_EQ(Run(work), E_FAIL);
+    }
+    EXPECT_FALSE(hasRun);
 }
 
 TEST_F(MultithreadedApartmentTest, Run_FailedStarts_LeaveNoHandleBehind)

@@ -2,16 +2,19 @@
 #include "simulator/doubles/WmiEventSource.h"
 #include "simulator/model/Facts.h"
 #include "simulator/model/LiveObjects.h"
+#include "simulator/redirect/ImportRedirection.h"
 #include "simulator/toasts/ToastDesktop.h"
 #include "tests/support/BstrLedger.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/PolicyKey.h"
 #include "tests/wmievents/AppDataFolder.h"
+#include "tests/wmievents/EmptyHandedCommand.h"
 #include "tests/wmievents/FailingBstr.h"
 #include "tests/wmievents/MachineTest.h"
 #include "wmievents/WmiEventsState.h"
 
 #include <comdef.h>
+#include <roapi.h>
 
 #include <gmock/gmock.h>
 
@@ -29,6 +32,8 @@ namespace Level = Orvik::Shared::Level;
 namespace
 {
 constexpr const char* Handler = "Notifications::OrvikWmiEvents::COrvikWmiEvents::ProcessWMIEvent";
+constexpr const wchar_t* Before = L"Verbose|Before Calling F10Setting.WMIEvents.Enabled";
+constexpr const wchar_t* After = L"Verbose|After Calling F10Setting.WMIEvents.Enabled";
 
 class PublicEventTest : public Tests::HubTest
 {
@@ -51,8 +56,24 @@ protected:
         return toasts.empty() ? "no toast" : toasts[0][1];
     }
 
+    // The handler got no command object: this is the only line.
+    static void ExpectOnlyCreationFailed(const std::wstring& code)
+    {
+        EXPECT_THAT(
+            LogLines(Handler),
+            ElementsAre(L"TraceIn|", L"Information|Create Plix instance cmd failed.  HR=0X" + code, L"TraceOut|"));
+        EXPECT_EQ(TestSupport::OperationalLines().size(), 1u);
+        EXPECT_THAT(Commands(), IsEmpty());
+        EXPECT_THAT(Toasts(), IsEmpty());
+    }
+
     Tests::AppDataFolder m_appData;
 };
+
+HRESULT WINAPI RaiseInstead(HSTRING, REFIID, void**)
+{
+    throw _com_error(E_ACCESSDENIED);
+}
 } // namespace
 
 TEST_F(PublicEventTest, Event_OfThePublicClass_ShowsItsDescription)
@@ -62,7 +83,7 @@ TEST_F(PublicEventTest, Event_OfThePublicClass_ShowsItsDescription)
     ASSERT_EQ(toasts.size(), 1u);
     EXPECT_EQ(toasts[0][0], "Orvik Notifications");
     EXPECT_EQ(toasts[0][1], "Lid opened");
-    EXPECT_THAT(LogLines(Handler), ElementsAre(L"TraceIn|", L"TraceOut|"));
+    EXPECT_THAT(LogLines(Handler), ElementsAre(L"TraceIn|", Before, After, L"TraceOut|"));
 }
 
 TEST_F(PublicEventTest, Event_InOtherLetterCase_IsShown)
@@ -105,7 +126,7 @@ TEST_F(PublicEventTest, Option_IsAskedFirst)
     EXPECT_EQ(LiveObjects::Count("PlixCommand"), 0);
 }
 
-TEST_F(PublicEventTest, Option_OffOrOfAnotherType_NothingIsShownAndNothingLogged)
+TEST_F(PublicEventTest, Option_OffOrOfAnotherType_NothingIsShownAndNoShortcutMade)
 {
     for (const nlohmann::json& answer : std::vector<nlohmann::json>{
              {{"bool", false}}, {{"i4", 1}}, {{"bstr", "true"}}, {{"empty", true}}, {{"unknown", true}}})
@@ -114,15 +135,20 @@ TEST_F(PublicEventTest, Option_OffOrOfAnotherType_NothingIsShownAndNothingLogged
         Answer("F10Setting.WMIEvents.Enabled", answer);
         Process(L"OrvikBIOS_BIOSEvent", L"Lid opened");
         EXPECT_THAT(Toasts(), IsEmpty()) << answer;
-        EXPECT_THAT(TestSupport::OperationalLines(), IsEmpty()) << answer;
+        EXPECT_THAT(LogLines(Handler), ElementsAre(L"TraceIn|", Before, After, L"TraceOut|")) << answer;
+        EXPECT_EQ(TestSupport::OperationalLines().size(), 2u) << answer;
     }
+    EXPECT_FALSE(std::filesystem::exists(m_appData.Shortcut()));
+    EXPECT_THAT(LogLines("DesktopToast::TryCreateShortcut"), IsEmpty());
 }
 
 TEST_F(PublicEventTest, Option_CommandFails_IsLogged)
 {
     Fail("F10Setting.WMIEvents.Enabled", static_cast<HRESULT>(0x80000003));
     Process(L"OrvikBIOS_BIOSEvent", L"Lid opened");
-    EXPECT_TRUE(Logged(Level::Information, Handler, L"Exception when call Popup. hr = 0x80000003"));
+    EXPECT_THAT(
+        LogLines(Handler),
+        ElementsAre(L"TraceIn|", Before, L"Information|Exception when call Popup. hr = 0x80000003", L"TraceOut|"));
     EXPECT_THAT(Toasts(), IsEmpty());
     EXPECT_THAT(LiveObjects::All(), IsEmpty());
 }
@@ -139,9 +165,35 @@ TEST_F(PublicEventTest, NoPlatformLibrary_OnlyThatLine)
 {
     Facts::Instance().Set("/platform/registered", false);
     Process(L"OrvikBIOS_BIOSEvent", L"Lid opened");
-    EXPECT_THAT(LogLines(Handler),
-                ElementsAre(L"TraceIn|", L"Information|Create Plix instance cmd failed.  HR=0X80040154", L"TraceOut|"));
-    EXPECT_THAT(Toasts(), IsEmpty());
+    ExpectOnlyCreationFailed(L"80040154");
+}
+
+TEST_F(PublicEventTest, NoApartment_CodeHasSmallLetters)
+{
+    CallPlan::Instance().Fail("CoCreateInstance", CO_E_NOTINITIALIZED);
+    Process(L"OrvikBIOS_BIOSEvent", L"Lid opened");
+    ExpectOnlyCreationFailed(L"800401f0");
+}
+
+TEST_F(PublicEventTest, SuccessWithoutACommandObject_IsAFailure)
+{
+    const Tests::EmptyHandedCommand emptyHanded;
+    StartWatching();
+    Process(L"OrvikBIOS_BIOSEvent", L"Lid opened");
+    ExpectOnlyCreationFailed(L"0");
+}
+
+TEST_F(PublicEventTest, CommandObject_IsGivenBackBeforeAnythingIsShown)
+{
+    Process(L"OrvikBIOS_BIOSEvent", L"Lid opened");
+    std::vector<std::string> order;
+    for (const auto& entry : Simulator::Journal::Instance().Entries())
+    {
+        if (entry.m_strSubject == "RoGetActivationFactory" ||
+            (entry.m_strSubject == "PlixCommand::Release" && entry.m_details.at("count") == 0))
+            order.push_back(entry.m_strSubject);
+    }
+    EXPECT_THAT(order, ElementsAre("PlixCommand::Release", "RoGetActivationFactory", "RoGetActivationFactory"));
 }
 
 TEST_F(PublicEventTest, Policies_AreNotConsulted)
@@ -193,6 +245,18 @@ TEST_F(PublicEventTest, Toast_Fails_TheNextEventIsShown)
 {
     CallPlan::Instance().Fail("RoGetActivationFactory", E_FAIL);
     Process(L"OrvikBIOS_BIOSEvent", L"one");
+    EXPECT_THAT(Toasts(), IsEmpty());
+    Process(L"OrvikBIOS_BIOSEvent", L"two");
+    EXPECT_EQ(Toasts().size(), 1u);
+}
+
+TEST_F(PublicEventTest, Toast_RaisesAnError_IsLoggedAndTheNextEventIsShown)
+{
+    {
+        const Simulator::Redirection<decltype(RoGetActivationFactory)> raising("RoGetActivationFactory", &RaiseInstead);
+        Process(L"OrvikBIOS_BIOSEvent", L"one");
+    }
+    EXPECT_TRUE(Logged(Level::Information, Handler, L"Exception when call Popup. hr = 0x80070005"));
     EXPECT_THAT(Toasts(), IsEmpty());
     Process(L"OrvikBIOS_BIOSEvent", L"two");
     EXPECT_EQ(Toasts().size(), 1u);

@@ -42,12 +42,12 @@ protected:
         return Simulator::Indicate(*sink, EventClass, objects);
     }
 
-    // The code of the error that the delivery raises.
-    HRESULT RaisedBy(const nlohmann::json& properties)
+    // The code of the error that a delivery to the sink raises.
+    static HRESULT RaisedBy(PublicWMIEventSink* sink, const nlohmann::json& properties)
     {
         try
         {
-            Deliver(m_pWithParams, {properties});
+            Deliver(sink, {properties});
         }
         catch (const _com_error& error)
         {
@@ -90,11 +90,18 @@ TEST_F(PublicWMIEventSinkTest, Indicate_ReadsClassThenDescriptionAndNothingElse)
 
 TEST_F(PublicWMIEventSinkTest, Indicate_Batch_EveryEntryIsReportedWithTheFirstOnesValues)
 {
-    Deliver(m_pWithParams, {{{"Description", "one"}}, {{"Description", "two"}}, {{"Description", "three"}}});
+    Deliver(m_pWithParams, {{{"__Class", "First"}, {"Description", "one"}},
+                            {{"__Class", "Second"}, {"Description", "two"}},
+                            {{"__Class", "Third"}, {"Description", "three"}}});
     const auto calls = m_hub.Calls();
     ASSERT_EQ(calls.size(), 3u);
     for (const auto& call : calls)
+    {
+        EXPECT_EQ(call.m_strEventClass, L"First");
         EXPECT_EQ(call.m_strValue, L"one");
+    }
+    EXPECT_EQ(LogCount(Level::Verbose, Indicate, L"Event Name : First"), 3u);
+    EXPECT_EQ(LogCount(Level::Verbose, Indicate, L"Event data/Description : one"), 3u);
 }
 
 TEST_F(PublicWMIEventSinkTest, Indicate_NoDescription_ReachesPlainOnly)
@@ -123,15 +130,25 @@ TEST_F(PublicWMIEventSinkTest, Indicate_ClassOfAnotherType_IsConverted)
 
 TEST_F(PublicWMIEventSinkTest, Indicate_ClassDoesNotConvert_RaisesTheConversionsCode)
 {
-    EXPECT_EQ(RaisedBy({{"__Class", {{"unknown", true}}}, {"Description", "text"}}), DISP_E_TYPEMISMATCH);
-    EXPECT_THAT(m_hub.Calls(), IsEmpty());
-    EXPECT_EQ(LogLines(Indicate).back(), L"TraceOut|");
+    for (PublicWMIEventSink* sink : {m_pWithParams, m_pPlain})
+    {
+        StartWatching();
+        EXPECT_EQ(RaisedBy(sink, {{"__Class", {{"unknown", true}}}, {"Description", "text"}}), DISP_E_TYPEMISMATCH);
+        EXPECT_THAT(m_hub.Calls(), IsEmpty());
+        EXPECT_THAT(LogLines(Indicate), ElementsAre(L"TraceIn|", L"Verbose|Event occured", L"TraceOut|"));
+    }
 }
 
 TEST_F(PublicWMIEventSinkTest, Indicate_DescriptionDoesNotCopy_RaisesTheCopysCode)
 {
-    EXPECT_EQ(RaisedBy({{"Description", {{"raw", {{"vt", 4242}, {"value", 7}}}}}}), DISP_E_BADVARTYPE);
-    EXPECT_THAT(m_hub.Calls(), IsEmpty());
+    for (PublicWMIEventSink* sink : {m_pWithParams, m_pPlain})
+    {
+        StartWatching();
+        EXPECT_EQ(RaisedBy(sink, {{"Description", {{"raw", {{"vt", 4242}, {"value", 7}}}}}}), DISP_E_BADVARTYPE);
+        EXPECT_THAT(m_hub.Calls(), IsEmpty());
+        EXPECT_THAT(LogLines(Indicate), ElementsAre(L"TraceIn|", L"Verbose|Event occured",
+                                                    L"Verbose|Event Name : OrvikBIOS_BIOSEvent", L"TraceOut|"));
+    }
 }
 
 TEST_F(PublicWMIEventSinkTest, Indicate_DescriptionOfAnotherType_IsHandedOnAndShownEmpty)
@@ -172,6 +189,9 @@ TEST_F(PublicWMIEventSinkTest, Indicate_NullEntry_CallsWithNothingAfterASuccess)
     ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(calls[1].m_strEventClass, L"");
     EXPECT_EQ(calls[1].m_vt, VT_EMPTY);
+    EXPECT_EQ(Simulator::CallPlan::Instance().CallCount("IWbemClassObject::Get"), 2u);
+    EXPECT_EQ(LogCount(Level::Verbose, Indicate, L"Event occured"), 2u);
+    EXPECT_EQ(TestSupport::OperationalLines().size(), 4u);
 }
 
 TEST_F(PublicWMIEventSinkTest, Indicate_NullEntryFirst_CountsAsSuccess)
@@ -179,6 +199,8 @@ TEST_F(PublicWMIEventSinkTest, Indicate_NullEntryFirst_CountsAsSuccess)
     Deliver(m_pWithParams, {nullptr});
     ASSERT_EQ(m_hub.Calls().size(), 1u);
     EXPECT_EQ(m_hub.Calls()[0].m_vt, VT_EMPTY);
+    EXPECT_FALSE(WasCalled("IWbemClassObject::Get"));
+    EXPECT_THAT(LogLines(Indicate), ElementsAre(L"TraceIn|", L"Verbose|Event occured", L"TraceOut|hr: 0x00000000"));
 }
 
 TEST_F(PublicWMIEventSinkTest, Indicate_NullEntryAfterAFailure_KeepsTheFailure)
@@ -201,22 +223,31 @@ TEST_F(PublicWMIEventSinkTest, Indicate_NullArray_IsAnArrayOfNulls)
 {
     EXPECT_EQ(m_pWithParams->Indicate(2, nullptr), WBEM_S_NO_ERROR);
     EXPECT_EQ(m_hub.Calls().size(), 2u);
-    EXPECT_EQ(m_pWithParams->Indicate(0, nullptr), WBEM_S_NO_ERROR);
+    StartWatching();
+    for (const long count : {0L, -1L})
+        EXPECT_EQ(m_pWithParams->Indicate(count, nullptr), WBEM_S_NO_ERROR);
     EXPECT_EQ(m_hub.Calls().size(), 2u);
+    EXPECT_THAT(TestSupport::OperationalLines(), IsEmpty());
 }
 
 TEST_F(PublicWMIEventSinkTest, Indicate_NameCannotBeAllocated_RaisesOutOfMemory)
 {
-    const Tests::FailingBstr noMemory(1);
-    EXPECT_EQ(RaisedBy(nullptr), E_OUTOFMEMORY);
-    EXPECT_THAT(m_hub.Calls(), IsEmpty());
+    for (const nlohmann::json& event : {nlohmann::json(), nlohmann::json{{"Description", "text"}}})
+    {
+        StartWatching();
+        const Tests::FailingBstr noMemory(1);
+        EXPECT_EQ(RaisedBy(m_pWithParams, event), E_OUTOFMEMORY);
+        EXPECT_THAT(m_hub.Calls(), IsEmpty());
+        EXPECT_FALSE(WasCalled("IWbemClassObject::Get"));
+        EXPECT_THAT(LogLines(Indicate), ElementsAre(L"TraceIn|", L"Verbose|Event occured", L"TraceOut|"));
+    }
 }
 
 TEST_F(PublicWMIEventSinkTest, Indicate_FreesNameAndValues)
 {
     const TestSupport::BstrLedger ledger;
     Deliver(m_pWithParams, {{{"Description", "text"}}, nullptr, {{"Description", "text"}}});
-    RaisedBy({{"__Class", {{"unknown", true}}}});
+    RaisedBy(m_pWithParams, {{"__Class", {{"unknown", true}}}});
     EXPECT_GE(ledger.Allocations(), 4u);
     EXPECT_THAT(ledger.LiveTexts(), IsEmpty());
 }

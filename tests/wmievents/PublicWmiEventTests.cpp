@@ -83,6 +83,20 @@ TEST_F(PublicWmiEventTest, RegisterEvent_CutNameIsUnknownToWmi_Fails)
     EXPECT_EQ(Register(std::wstring(name.begin(), name.end())), Hr(WBEM_E_INVALID_CLASS));
 }
 
+TEST_F(PublicWmiEventTest, RegisterEvent_CutNameIsAnotherClass_EventsOfThatClassArrive)
+{
+    const std::string full(60, 'N');
+    const std::string cut(49, 'N');
+    Simulator::Facts::Instance().Set("/wmi/event-classes", {cut, full});
+    ASSERT_EQ(Register(std::wstring(full.begin(), full.end())), S_OK);
+    Simulator::WmiEventSource::Raise(full, {{"Description", "full"}});
+    EXPECT_TRUE(m_hub.Calls().empty());
+    Simulator::WmiEventSource::Raise(cut, {{"Description", "cut"}});
+    ASSERT_EQ(m_hub.Calls().size(), 1u);
+    EXPECT_EQ(m_hub.Calls()[0].m_strEventClass, std::wstring(49, L'N'));
+    EXPECT_EQ(m_hub.Calls()[0].m_strValue, L"cut");
+}
+
 TEST_F(PublicWmiEventTest, Delivery_CallsTheHubWithClassAndDescription)
 {
     ASSERT_EQ(Register(L"OrvikBIOS_BIOSEvent"), S_OK);

@@ -1,21 +1,16 @@
 #include "res/Resource.h"
 #include "shared/LogLevel.h"
-#include "simulator/doubles/WmiEventSource.h"
 #include "simulator/model/Facts.h"
 #include "simulator/model/LiveObjects.h"
 #include "simulator/redirect/ImportRedirection.h"
-#include "simulator/toasts/ToastActivation.h"
-#include "simulator/toasts/ToastDesktop.h"
 #include "tests/support/BstrLedger.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/PolicyKey.h"
-#include "tests/wmievents/MachineTest.h"
-
-#include <roapi.h>
+#include "tests/wmievents/SmartAdapterTest.h"
 
 #include <gmock/gmock.h>
 
-#include <thread>
+#include <algorithm>
 #include <utility>
 
 using Simulator::CallPlan;
@@ -31,20 +26,9 @@ namespace Level = Orvik::Shared::Level;
 
 namespace
 {
-constexpr const char* Handler = "Notifications::OrvikWmiEvents::COrvikWmiEvents::ProcessSmartAdapterEvent";
+using SmartAdapterEventTest = Tests::SmartAdapterTest;
+
 constexpr const char* Title = "Orvik Notifications";
-
-class SmartAdapterEventTest : public Tests::HubTest
-{
-protected:
-    ~SmartAdapterEventTest() override { Simulator::ToastDesktop::Instance().Reset(); }
-
-    void Process(const nlohmann::json& answer)
-    {
-        Answer("SmartAdapter.Status", answer);
-        m_hub.ProcessSmartAdapterEvent();
-    }
-};
 
 struct LoadedString
 {
@@ -69,20 +53,22 @@ int WINAPI LoadNoStringW(HINSTANCE, UINT, LPWSTR, int)
     SetLastError(ERROR_RESOURCE_NAME_NOT_FOUND);
     return 0;
 }
-unsigned g_nFactories;
 
-// Gives the first factory that is asked for; for each further one it says yes and gives nothing.
-HRESULT WINAPI GiveOneFactory(HSTRING classId, REFIID iid, void** factory)
+// Puts the load among the calls of the journal.
+int WINAPI JournalledLoadStringW(HINSTANCE, UINT id, LPWSTR buffer, int)
 {
-    *factory = nullptr;
-    if (g_nFactories++ > 0)
-        return S_OK;
-    IActivationFactory* made = nullptr;
-    if (const HRESULT hr = Simulator::GetToastActivationFactory(classId, &made); FAILED(hr))
-        return hr;
-    const HRESULT hr = made->QueryInterface(iid, factory);
-    made->Release();
-    return hr;
+    Simulator::Journal::Instance().Append("call", "LoadStringW " + std::to_string(id));
+    *buffer = L'\0';
+    return 0;
+}
+
+std::vector<std::wstring> g_lstAskedValues;
+decltype(RegQueryValueExW)* g_pfnQueryValue;
+
+LSTATUS WINAPI NotedQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size)
+{
+    g_lstAskedValues.emplace_back(name);
+    return g_pfnQueryValue(key, name, reserved, type, data, size);
 }
 } // namespace
 
@@ -109,10 +95,7 @@ TEST_F(SmartAdapterEventTest, Status_ThatMatters_ShowsItsMessage)
 TEST_F(SmartAdapterEventTest, Status_ThatMatters_WritesTheseRecords)
 {
     Process({{"i4", 3}});
-    EXPECT_THAT(LogLines(Handler),
-                ElementsAre(L"TraceIn|", L"Verbose|SmartAdapterData: 3", L"Information|szTitle: Orvik Notifications",
-                            L"Information|szStatus: Smart AC adapter power output is too low for this computer.",
-                            L"TraceOut|"));
+    EXPECT_THAT(LogLines(Handler), testing::ElementsAreArray(ShownRecords));
 }
 
 TEST_F(SmartAdapterEventTest, Status_AnyOther_OnlyLogsTheStatus)
@@ -122,7 +105,8 @@ TEST_F(SmartAdapterEventTest, Status_AnyOther_OnlyLogsTheStatus)
         StartWatching();
         Process({{"i4", status}});
         EXPECT_THAT(LogLines(Handler),
-                    ElementsAre(L"TraceIn|", L"Verbose|SmartAdapterData: " + std::to_wstring(status), L"TraceOut|"));
+                    ElementsAre(L"TraceIn|", Before, After, L"Verbose|SmartAdapterData: " + std::to_wstring(status),
+                                L"TraceOut|"));
         EXPECT_THAT(Toasts(), IsEmpty());
         EXPECT_FALSE(WasCalled("CLSIDFromProgID"));
     }
@@ -140,6 +124,28 @@ TEST_F(SmartAdapterEventTest, Order_CommandThenComponentThenToast)
     EXPECT_THAT(Commands(), ElementsAre("SmartAdapter.Status"));
 }
 
+TEST_F(SmartAdapterEventTest, Order_MessageIsLoadedBeforeTheComponentAndTitleAfterIt)
+{
+    const Redirection<decltype(LoadStringW)> journalled("LoadStringW", &JournalledLoadStringW);
+    m_hub.ProcessSmartAdapterEvent();
+    auto calls = Calls();
+    std::erase_if(calls, [](const std::string& call)
+                  { return call != "CLSIDFromProgID" && call != "CoCreateInstance" && !call.starts_with("Load"); });
+    EXPECT_THAT(calls,
+                ElementsAre("CoCreateInstance", "LoadStringW " + std::to_string(IDS_ADAPTER_OUTPUT_TOO_LOW),
+                            "CLSIDFromProgID", "CoCreateInstance", "LoadStringW " + std::to_string(IDS_APP_TITLE)));
+}
+
+TEST_F(SmartAdapterEventTest, Component_NotRegistered_TitleIsNotLoaded)
+{
+    Facts::Instance().Set("/notification/registered", false);
+    g_lstLoaded.clear();
+    const Redirection<decltype(LoadStringW)> loads("LoadStringW", &LoadLongStringW);
+    m_hub.ProcessSmartAdapterEvent();
+    ASSERT_EQ(g_lstLoaded.size(), 1u);
+    EXPECT_EQ(g_lstLoaded[0].m_nId, static_cast<UINT>(IDS_ADAPTER_OUTPUT_TOO_LOW));
+}
+
 TEST_F(SmartAdapterEventTest, Component_IsCreatedAsItsProgIdSaysAndGivenBack)
 {
     m_hub.ProcessSmartAdapterEvent();
@@ -148,6 +154,34 @@ TEST_F(SmartAdapterEventTest, Component_IsCreatedAsItsProgIdSaysAndGivenBack)
     EXPECT_EQ(Details("CoCreateInstance", 2)["context"], 23);
     EXPECT_EQ(LiveObjects::Count("PlixNotification"), 0);
     EXPECT_EQ(LiveObjects::Count("PlixCommand"), 0);
+}
+
+TEST_F(SmartAdapterEventTest, Component_NotRegistered_NoToast)
+{
+    Facts::Instance().Set("/notification/registered", false);
+    m_hub.ProcessSmartAdapterEvent();
+    EXPECT_THAT(LogLines(Handler),
+                ElementsAre(L"TraceIn|", Before, After, L"Verbose|SmartAdapterData: 3",
+                            L"Information|Failed to CreateInstance of PlixNotification, hr = 0x800401F3",
+                            L"TraceOut|"));
+    EXPECT_FALSE(WasCalled("RoGetActivationFactory"));
+}
+
+TEST_F(SmartAdapterEventTest, Component_AnyStepFails_NoToast)
+{
+    const std::pair<const char*, unsigned> steps[] = {
+        {"CLSIDFromProgID", 1}, {"CoCreateInstance", 2}, {"OleRun", 2}, {"PlixNotification::QueryInterface", 1}};
+    for (const auto& [call, nth] : steps)
+    {
+        StartWatching();
+        CallPlan::Instance().Fail(call, E_ACCESSDENIED, nth);
+        m_hub.ProcessSmartAdapterEvent();
+        EXPECT_TRUE(
+            Logged(Level::Information, Handler, L"Failed to CreateInstance of PlixNotification, hr = 0x80070005"))
+            << call;
+        EXPECT_THAT(Toasts(), IsEmpty()) << call;
+    }
+    EXPECT_THAT(LiveObjects::All(), IsEmpty());
 }
 
 TEST_F(SmartAdapterEventTest, Suppressed_LogsAndAsksNothing)
@@ -160,6 +194,21 @@ TEST_F(SmartAdapterEventTest, Suppressed_LogsAndAsksNothing)
         EXPECT_THAT(LogLines(Handler), ElementsAre(L"TraceIn|", L"Verbose|Notifications are suppressed", L"TraceOut|"));
         EXPECT_THAT(Calls(), IsEmpty());
     }
+}
+
+TEST_F(SmartAdapterEventTest, Policies_OfAllFirstAndOfTheAdapterOnlyWhenThatIsOff)
+{
+    const Redirection<decltype(RegQueryValueExW)> noted("RegQueryValueExW", &NotedQueryValueExW);
+    g_pfnQueryValue = noted.Original();
+    TestSupport::PolicyKey policies(TestSupport::SuppressKeys[0]);
+    policies.Text(L"SuppressAllNotifications", L"true");
+    g_lstAskedValues.clear();
+    m_hub.ProcessSmartAdapterEvent();
+    EXPECT_THAT(g_lstAskedValues, ElementsAre(L"SuppressAllNotifications"));
+    policies.Text(L"SuppressAllNotifications", L"false");
+    g_lstAskedValues.clear();
+    m_hub.ProcessSmartAdapterEvent();
+    EXPECT_THAT(g_lstAskedValues, ElementsAre(L"SuppressAllNotifications", L"SuppressSmartAdapterNotifications"));
 }
 
 TEST_F(SmartAdapterEventTest, OtherPolicies_DoNotSilence)
@@ -182,94 +231,6 @@ TEST_F(SmartAdapterEventTest, Policy_IsReadAgainOnEveryEvent)
     EXPECT_THAT(Toasts(), IsEmpty());
     m_hub.ProcessSmartAdapterEvent();
     EXPECT_EQ(Toasts().size(), 1u);
-}
-
-TEST_F(SmartAdapterEventTest, NoPlatformLibrary_OnlyThatLine)
-{
-    Facts::Instance().Set("/platform/registered", false);
-    m_hub.ProcessSmartAdapterEvent();
-    EXPECT_THAT(LogLines(Handler),
-                ElementsAre(L"TraceIn|", L"Information|Create Plix instance cmd failed.  HR=0X80040154", L"TraceOut|"));
-    EXPECT_THAT(Toasts(), IsEmpty());
-}
-
-TEST_F(SmartAdapterEventTest, Command_Fails_LogsByItsCode)
-{
-    const std::pair<HRESULT, const wchar_t*> failures[] = {
-        {static_cast<HRESULT>(0x80000003), L"Invalid Command SmartAdapter.Status. hr = 0x80000003"},
-        {E_INVALIDARG, L"Exception occurred when calling SmartAdapter.Status, [hr:0x80070057]"},
-        {E_FAIL, L"Exception occurred when calling SmartAdapter.Status, [hr:0x80004005]"}};
-    for (const auto& [hr, line] : failures)
-    {
-        StartWatching();
-        Fail("SmartAdapter.Status", hr);
-        m_hub.ProcessSmartAdapterEvent();
-        EXPECT_THAT(LogLines(Handler), ElementsAre(L"TraceIn|", std::wstring(L"Information|") + line, L"TraceOut|"));
-        EXPECT_THAT(Toasts(), IsEmpty());
-    }
-    EXPECT_THAT(LiveObjects::All(), IsEmpty());
-}
-
-TEST_F(SmartAdapterEventTest, Command_AnswersAnotherNumericType_IsConverted)
-{
-    for (const nlohmann::json& answer :
-         std::vector<nlohmann::json>{{{"i2", 3}}, {{"ui4", 3}}, {{"int", 3}}, {{"r8", 3.0}}, {{"bstr", "3"}}})
-    {
-        StartWatching();
-        Process(answer);
-        EXPECT_TRUE(Logged(Level::Verbose, Handler, L"SmartAdapterData: 3")) << answer;
-        EXPECT_EQ(Toasts().size(), 1u) << answer;
-    }
-}
-
-TEST_F(SmartAdapterEventTest, Command_AnswersNothing_IsStatusZero)
-{
-    Process({{"empty", true}});
-    EXPECT_TRUE(Logged(Level::Verbose, Handler, L"SmartAdapterData: 0"));
-    EXPECT_THAT(Toasts(), IsEmpty());
-}
-
-TEST_F(SmartAdapterEventTest, Command_AnswersWhatIsNoNumber_LogsTheConversionsCode)
-{
-    for (const nlohmann::json& answer :
-         std::vector<nlohmann::json>{{{"unknown", true}}, {{"bstr", "three"}}, {{"ui1-array", {1, 2}}}})
-    {
-        StartWatching();
-        Process(answer);
-        EXPECT_TRUE(Logged(Level::Information, Handler,
-                           L"Exception occurred when calling SmartAdapter.Status, [hr:0x80020005]"))
-            << answer;
-        EXPECT_THAT(Toasts(), IsEmpty());
-    }
-    EXPECT_THAT(LiveObjects::All(), IsEmpty());
-}
-
-TEST_F(SmartAdapterEventTest, Component_NotRegistered_NoToast)
-{
-    Facts::Instance().Set("/notification/registered", false);
-    m_hub.ProcessSmartAdapterEvent();
-    EXPECT_THAT(LogLines(Handler),
-                ElementsAre(L"TraceIn|", L"Verbose|SmartAdapterData: 3",
-                            L"Information|Failed to CreateInstance of PlixNotification, hr = 0x800401F3",
-                            L"TraceOut|"));
-    EXPECT_FALSE(WasCalled("RoGetActivationFactory"));
-}
-
-TEST_F(SmartAdapterEventTest, Component_AnyStepFails_NoToast)
-{
-    const std::pair<const char*, unsigned> steps[] = {
-        {"CLSIDFromProgID", 1}, {"CoCreateInstance", 2}, {"OleRun", 2}, {"PlixNotification::QueryInterface", 1}};
-    for (const auto& [call, nth] : steps)
-    {
-        StartWatching();
-        CallPlan::Instance().Fail(call, E_ACCESSDENIED, nth);
-        m_hub.ProcessSmartAdapterEvent();
-        EXPECT_TRUE(
-            Logged(Level::Information, Handler, L"Failed to CreateInstance of PlixNotification, hr = 0x80070005"))
-            << call;
-        EXPECT_THAT(Toasts(), IsEmpty()) << call;
-    }
-    EXPECT_THAT(LiveObjects::All(), IsEmpty());
 }
 
 TEST_F(SmartAdapterEventTest, Texts_AreCutToTheirBuffers)
@@ -298,59 +259,6 @@ TEST_F(SmartAdapterEventTest, Texts_AreMissing_ToastIsEmpty)
     ASSERT_EQ(toasts.size(), 1u);
     EXPECT_EQ(toasts[0][0], "");
     EXPECT_EQ(toasts[0][1], "");
-}
-
-TEST_F(SmartAdapterEventTest, Toast_Fails_EndsQuietlyAndTheNextEventIsShown)
-{
-    CallPlan::Instance().Fail("IToastNotifier::Show", E_FAIL);
-    m_hub.ProcessSmartAdapterEvent();
-    EXPECT_THAT(Toasts(), IsEmpty());
-    EXPECT_EQ(LogLines(Handler).size(), 5u);
-    m_hub.ProcessSmartAdapterEvent();
-    EXPECT_EQ(Toasts().size(), 1u);
-}
-
-TEST_F(SmartAdapterEventTest, Toast_RaisesAnError_DoesNotLeaveTheHandler)
-{
-    g_nFactories = 0;
-    const Redirection<decltype(RoGetActivationFactory)> emptyHanded("RoGetActivationFactory", &GiveOneFactory);
-    ASSERT_EQ(m_hub.RegisterSmartAdapterEvent(L""), S_OK);
-    EXPECT_THAT(Simulator::WmiEventSource::Raise("orvikBEvnt", {{"EventID", 3}}), ElementsAre(S_OK));
-    EXPECT_EQ(g_nFactories, 2u);
-    EXPECT_TRUE(
-        Logged(Level::Information, Handler, L"Exception occurred when calling SmartAdapter.Status, [hr:0x80004003]"));
-    EXPECT_THAT(Toasts(), IsEmpty());
-}
-
-TEST_F(SmartAdapterEventTest, Event_FromFirmware_BecomesAToast)
-{
-    ASSERT_EQ(m_hub.RegisterSmartAdapterEvent(L""), S_OK);
-    Simulator::WmiEventSource::Raise("orvikBEvnt", {{"EventID", 3}});
-    EXPECT_EQ(Toasts().size(), 1u);
-    EXPECT_TRUE(Logged(Level::Verbose, Handler, L"SmartAdapterData: 3"));
-}
-
-TEST_F(SmartAdapterEventTest, Events_AtTheSameTime_ShowAToastEach)
-{
-    ASSERT_EQ(m_hub.RegisterSmartAdapterEvent(L""), S_OK);
-    Simulator::WmiEventSource::RaiseFromThreads({.m_strClass = "orvikBEvnt", .m_lstObjects = {{{"EventID", 3}}}}, 4, 5);
-    EXPECT_EQ(Toasts().size(), 20u);
-}
-
-TEST_F(SmartAdapterEventTest, Event_WhileACommandHangs_TheNextOneIsHandled)
-{
-    ASSERT_EQ(m_hub.RegisterSmartAdapterEvent(L""), S_OK);
-    Facts::Instance().Set("/commands/SmartAdapter.Status/hang", true);
-    Simulator::RunningDelivery hanging({.m_strClass = "orvikBEvnt", .m_lstObjects = {{{"EventID", 3}}}});
-    while (Commands().size() < 2)
-        Sleep(1);
-    const SuppressPolicy suppress(L"SuppressSmartAdapterNotifications");
-    Simulator::WmiEventSource::Raise("orvikBEvnt", {{"EventID", 3}});
-    EXPECT_TRUE(Logged(Level::Verbose, Handler, L"Notifications are suppressed"));
-    EXPECT_FALSE(hanging.IsDone());
-    Facts::Instance().Set("/commands/SmartAdapter.Status/hang", false);
-    EXPECT_THAT(hanging.Results(), ElementsAre(S_OK));
-    EXPECT_EQ(Toasts().size(), 1u);
 }
 
 TEST_F(SmartAdapterEventTest, Handler_LeavesNothingBehind)

@@ -7,10 +7,13 @@
 #include "tests/support/LogCapture.h"
 #include "tests/wmievents/FailingBstr.h"
 #include "tests/wmievents/MachineTest.h"
+#include "tests/wmievents/PlainEvent.h"
 
 #include <comdef.h>
 
 #include <gmock/gmock.h>
+
+#include <thread>
 
 using Notifications::OrvikWmiEvents::WmiEventSink;
 using testing::ElementsAre;
@@ -139,6 +142,31 @@ TEST_F(WmiEventSinkTest, Indicate_DataOfAnotherType_IsHandedOnAsItIs)
     EXPECT_EQ(m_hub.Calls()[0].m_strValue, L"text");
 }
 
+TEST_F(WmiEventSinkTest, Indicate_NumbersOfOtherTypes_AreReadAsTheyLie)
+{
+    Deliver(m_pWithParams, {Event({{"EventID", {{"ui4", 21}}}, {"EventData", {{"ui4", 7}}}})});
+    ASSERT_EQ(m_hub.Calls().size(), 1u);
+    EXPECT_EQ(m_hub.Calls()[0].m_nEventId, 21);
+    EXPECT_EQ(m_hub.Calls()[0].m_vt, VT_UI4);
+    EXPECT_THAT(LogLines(Indicate), ElementsAre(L"TraceIn|", L"Verbose|Event occured", L"Verbose|Event ID: 21",
+                                                L"Verbose|Event data: 7", L"TraceOut|hr: 0x00000000"));
+}
+
+TEST_F(WmiEventSinkTest, Indicate_ValuesWithoutANumber_CountAsZero)
+{
+    Tests::PlainEvent event;
+    IWbemClassObject* entry = &event;
+    for (const int type : {+VT_EMPTY, +VT_NULL})
+    {
+        StartWatching();
+        event.m_vtNumbers = static_cast<VARTYPE>(type);
+        EXPECT_EQ(m_pWithParams->Indicate(1, &entry), WBEM_S_NO_ERROR);
+        EXPECT_EQ(m_hub.Calls().back().m_nEventId, 0);
+        EXPECT_THAT(LogLines(Indicate), ElementsAre(L"TraceIn|", L"Verbose|Event occured", L"Verbose|Event ID: 0",
+                                                    L"Verbose|Event data: 0", L"TraceOut|hr: 0x00000000"));
+    }
+}
+
 TEST_F(WmiEventSinkTest, Indicate_NullEntry_ReachesPlainOnlyAndTheNextIsHandled)
 {
     EXPECT_EQ(Deliver(m_pWithParams, {nullptr, Event({{"EventID", 21}, {"EventData", 7}})}), WBEM_S_NO_ERROR);
@@ -196,6 +224,15 @@ TEST_F(WmiEventSinkTest, SetStatus_LabelsZeroAndTwoAsComplete)
     EXPECT_THAT(m_hub.Calls(), IsEmpty());
 }
 
+TEST_F(WmiEventSinkTest, SetStatus_OtherFlags_HaveNoLabel)
+{
+    for (const long flags : {3L, 4L, -1L})
+        EXPECT_EQ(m_pPlain->SetStatus(flags, S_OK, nullptr, nullptr), WBEM_S_NO_ERROR);
+    EXPECT_THAT(LogLines(SetStatus), ElementsAre(L"TraceIn|hResult: 0x00000000, lFlags: 0x00000003 (?)",
+                                                 L"TraceIn|hResult: 0x00000000, lFlags: 0x00000004 (?)",
+                                                 L"TraceIn|hResult: 0x00000000, lFlags: 0xFFFFFFFF (?)"));
+}
+
 TEST_F(WmiEventSinkTest, QueryInterface_KnowsUnknownAndSink)
 {
     for (const IID& iid : {IID_IUnknown, IID_IWbemObjectSink})
@@ -213,6 +250,31 @@ TEST_F(WmiEventSinkTest, QueryInterface_Other_LeavesThePointerAsItWas)
     void* object = &marker;
     EXPECT_EQ(m_pPlain->QueryInterface(IID_IMarshal, &object), E_NOINTERFACE);
     EXPECT_EQ(object, &marker);
+}
+
+TEST_F(WmiEventSinkTest, References_FromManyThreads_NoneIsLost)
+{
+    constexpr int times = 100'000;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+    {
+        threads.emplace_back(
+            [this]
+            {
+                for (int n = 0; n < times; ++n)
+                {
+                    m_pPlain->AddRef();
+                    m_pPlain->AddRef();
+                    m_pPlain->Release();
+                }
+            });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    ULONG count = m_pPlain->AddRef();
+    EXPECT_EQ(count, 4u * times + 2u);
+    while (count > 1)
+        count = m_pPlain->Release();
 }
 
 TEST_F(WmiEventSinkTest, References_AreCountedAndTheLastEndsTheSink)

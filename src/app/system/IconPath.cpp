@@ -5,6 +5,7 @@
 #include "shared/TraceScope.h"
 
 #include <cstdio>
+#include <new>
 #include <span>
 
 using Orvik::Shared::TraceScope;
@@ -53,11 +54,9 @@ bool WriteIconFile(const std::wstring& path, std::span<const char> content)
         DeleteFileW(path.c_str());
     return isWhole;
 }
-} // namespace
 
-std::wstring GetDefaultIconPath(std::wstring_view fileName, WORD resourceId)
+std::wstring FindOrWriteIcon(std::wstring_view fileName, WORD resourceId)
 {
-    const TraceScope trace(ORVIK_FUNCTION);
     std::wstring path = TemporaryFolder();
     if (path.empty())
         return {};
@@ -68,4 +67,18 @@ std::wstring GetDefaultIconPath(std::wstring_view fileName, WORD resourceId)
     if (content.empty() || !WriteIconFile(path, content))
         return {};
     return path;
+}
+} // namespace
+
+std::wstring GetDefaultIconPath(std::wstring_view fileName, WORD resourceId)
+{
+    const TraceScope trace(ORVIK_FUNCTION);
+    try
+    {
+        return FindOrWriteIcon(fileName, resourceId);
+    }
+    catch (const std::bad_alloc&)
+    {
+        return {};
+    }
 }

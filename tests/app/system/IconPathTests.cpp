@@ -2,8 +2,10 @@
 
 #include "res/Resource.h"
 #include "shared/LogLevel.h"
+#include "shared/OwnerTypes.h"
 #include "simulator/redirect/ImportRedirection.h"
 #include "tests/app/system/TemporaryFolder.h"
+#include "tests/support/AllocationFault.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/LogCapture.h"
 
@@ -12,21 +14,15 @@
 
 #include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
 
 using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
 
 namespace
 {
-class IconPathTest : public testing::Test
-{
-protected:
-    [[nodiscard]] static std::wstring DefaultIcon() { return GetDefaultIconPath(L"Orvik.ico", IDI_DEFAULT); }
-    [[nodiscard]] static std::wstring VeritorIcon() { return GetDefaultIconPath(L"ORVR.ico", IDI_VERITOR); }
-
-    TemporaryFolder m_folder;
-};
-
 std::string IconResource()
 {
     const HRSRC found = FindResourceW(nullptr, MAKEINTRESOURCEW(133), MAKEINTRESOURCEW(300));
@@ -50,19 +46,44 @@ std::size_t HalfWritten(const void*, std::size_t, std::size_t count, FILE*)
 {
     return count / 2;
 }
-// Notes how files are opened, in a folder that nobody may write to.
-std::vector<std::wstring> g_lstModes;
-decltype(_wfopen)* g_pfnOpen = nullptr;
-
-FILE* OpenReadOnly(const wchar_t* path, const wchar_t* mode)
-{
-    g_lstModes.emplace_back(mode);
-    return *mode == L'r' ? g_pfnOpen(path, mode) : nullptr;
-}
 int NotFlushed(FILE*)
 {
     return EOF;
 }
+
+// Notes how files are opened, in a folder that nobody may write to.
+std::vector<std::pair<std::wstring, std::wstring>> g_lstOpened;
+decltype(_wfopen)* g_pfnOpen = nullptr;
+
+FILE* OpenReadOnly(const wchar_t* path, const wchar_t* mode)
+{
+    g_lstOpened.emplace_back(path, mode);
+    return *mode == L'r' ? g_pfnOpen(path, mode) : nullptr;
+}
+
+std::vector<std::pair<std::size_t, std::size_t>> g_lstWritten;
+decltype(HalfWritten)* g_pfnWrite = nullptr;
+
+std::size_t NotedWrite(const void* data, std::size_t size, std::size_t count, FILE* file)
+{
+    g_lstWritten.emplace_back(size, count);
+    return g_pfnWrite(data, size, count, file);
+}
+
+class IconPathTest : public testing::Test
+{
+protected:
+    IconPathTest()
+    {
+        g_lstOpened.clear();
+        g_lstWritten.clear();
+    }
+
+    [[nodiscard]] static std::wstring DefaultIcon() { return GetDefaultIconPath(L"Orvik.ico", IDI_DEFAULT); }
+    [[nodiscard]] static std::wstring VeritorIcon() { return GetDefaultIconPath(L"ORVR.ico", IDI_VERITOR); }
+
+    TemporaryFolder m_folder;
+};
 } // namespace
 
 TEST_F(IconPathTest, Path_NoFileYet_WritesResourceAndGivesPath)
@@ -133,7 +154,30 @@ TEST_F(IconPathTest, Path_FolderIsNotWritable_TriesToReadThenToWriteAndIsEmpty)
     ASSERT_NE(open.SlotCount(), 0u);
     g_pfnOpen = open.Original();
     EXPECT_EQ(DefaultIcon(), L"");
-    EXPECT_THAT(g_lstModes, ElementsAre(L"r", L"w+b"));
+    const std::wstring path = m_folder.Path() + L"Orvik.ico";
+    EXPECT_THAT(g_lstOpened, ElementsAre(Pair(path, L"r"), Pair(path, L"w+b")));
+}
+
+TEST_F(IconPathTest, Path_NoFileYet_WritesResourceInOneWrite)
+{
+    const Simulator::Redirection<decltype(NotedWrite)> write("fwrite", &NotedWrite);
+    ASSERT_NE(write.SlotCount(), 0u);
+    g_pfnWrite = write.Original();
+    EXPECT_NE(DefaultIcon(), L"");
+    EXPECT_THAT(g_lstWritten, ElementsAre(Pair(1u, IconResource().size())));
+}
+
+TEST_F(IconPathTest, Path_FileHeldByAnother_IsEmptyAndLeavesIt)
+{
+    m_folder.WriteFile(L"Orvik.ico", "held");
+    {
+        const Orvik::Shared::UniqueHandle held(CreateFileW((m_folder.Path() + L"Orvik.ico").c_str(),
+                                                           GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0,
+                                                           nullptr));
+        ASSERT_NE(held.get(), INVALID_HANDLE_VALUE);
+        EXPECT_EQ(DefaultIcon(), L"");
+    }
+    EXPECT_EQ(m_folder.ReadFile(L"Orvik.ico"), "held");
 }
 
 TEST_F(IconPathTest, Path_NoTemporaryFolder_IsEmpty)
@@ -144,17 +188,31 @@ TEST_F(IconPathTest, Path_NoTemporaryFolder_IsEmpty)
 
 TEST_F(IconPathTest, Path_TemporaryFolderLongerThanBuffer_IsEmpty)
 {
+    const Simulator::Redirection<decltype(_wfopen)> open("_wfopen", &OpenReadOnly);
+    g_pfnOpen = open.Original();
     for (const DWORD length : {260u, 261u, 1000u, 0xFFFFFFFFu})
     {
         TemporaryFolder::AnswerLength(length);
         EXPECT_EQ(DefaultIcon(), L"") << length;
     }
+    EXPECT_EQ(TemporaryFolder::OfferedRoom(), 260u);
+    EXPECT_THAT(g_lstOpened, IsEmpty());
 }
 
 TEST_F(IconPathTest, Path_TemporaryFolderFillsBuffer_DoesNotOverrun)
 {
-    TemporaryFolder::Answer(L"C:\\" + std::wstring(255, L'x') + L"\\");
+    const Simulator::Redirection<decltype(_wfopen)> open("_wfopen", &OpenReadOnly);
+    g_pfnOpen = open.Original();
+    const std::wstring folder = L"C:\\" + std::wstring(255, L'x') + L"\\";
+    ASSERT_EQ(folder.size(), 259u);
+    TemporaryFolder::Answer(folder);
     EXPECT_EQ(DefaultIcon(), L"");
+    EXPECT_THAT(g_lstOpened, ElementsAre(Pair(folder + L"Orvik.ico", L"r"), Pair(folder + L"Orvik.ico", L"w+b")));
+
+    g_lstOpened.clear();
+    TemporaryFolder::Answer(L"x" + folder);
+    EXPECT_EQ(DefaultIcon(), L"");
+    EXPECT_THAT(g_lstOpened, IsEmpty());
 }
 
 TEST_F(IconPathTest, Path_ResourceCannotBeLoaded_IsEmptyAndWritesNothing)
@@ -218,4 +276,30 @@ TEST_F(IconPathTest, Path_AnyOutcome_TracesEntryAndExitOnly)
     (void)VeritorIcon();
     EXPECT_THAT(TestSupport::LogLines(), ElementsAre(L"TraceIn|GetDefaultIconPath|", L"TraceOut|GetDefaultIconPath|",
                                                      L"TraceIn|GetDefaultIconPath|", L"TraceOut|GetDefaultIconPath|"));
+}
+
+TEST_F(IconPathTest, Path_EachAllocationFails_IsEmptyOrWhole)
+{
+    const std::wstring whole = m_folder.Path() + L"Orvik.ico";
+    (void)DefaultIcon();
+    std::size_t refused = 0;
+    for (std::size_t nth = 1;; ++nth)
+    {
+        DeleteFileW(whole.c_str());
+        std::wstring path;
+        bool hasBitten = false;
+        {
+            const AllocationFault fault(nth);
+            path = DefaultIcon();
+            hasBitten = AllocationFault::HasBitten();
+        }
+        if (!hasBitten)
+            break;
+        if (path.empty())
+            ++refused;
+        else
+            EXPECT_EQ(path, whole);
+        EXPECT_EQ(m_folder.ReadFile(L"Orvik.ico"), path.empty() ? "(none)" : IconResource());
+    }
+    EXPECT_GE(refused, 2u);
 }

@@ -1,14 +1,17 @@
 #include "app/system/OsVersion.h"
 
+#include "shared/Log.h"
 #include "simulator/doubles/ComRedirections.h"
 #include "simulator/model/CallPlan.h"
 #include "simulator/model/Facts.h"
 #include "simulator/model/Journal.h"
 #include "simulator/model/LiveObjects.h"
 #include "simulator/redirect/ImportRedirection.h"
+#include "tests/support/AllocationFault.h"
 #include "tests/support/BstrLedger.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/PolicyKey.h"
 
 #include <oleauto.h>
 
@@ -80,6 +83,28 @@ BSTR WINAPI NoBstr(const OLECHAR*)
 {
     return nullptr;
 }
+
+// Whether WMI is Windows' own here, and not that of the simulated machine, which only answers inside the agent.
+bool IsWmiReal()
+{
+    wchar_t server[MAX_PATH] = L"";
+    DWORD size = sizeof(server);
+    RegGetValueW(HKEY_CLASSES_ROOT, L"CLSID\\{4590F811-1D3A-11D0-891F-00AA004B2E24}\\InprocServer32", nullptr,
+                 RRF_RT_REG_SZ, nullptr, server, &size);
+    return std::wstring_view(server).find(L"orvik_machine") == std::wstring_view::npos;
+}
+
+class RealWmi : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (!IsWmiReal())
+            GTEST_SKIP() << "This Windows was made a simulated machine before";
+    }
+};
+
+using RealSystem = RealWmi;
 } // namespace
 
 TEST_F(OsVersionTest, Windows10_Always_AsksWmiForwardOnlyAndAtOnce)
@@ -131,9 +156,12 @@ TEST_F(OsVersionTest, Windows10_TextThatIsNoVersion_IsFalse)
 
 TEST_F(OsVersionTest, Windows10_AbsurdNumbers_DoNotOverflow)
 {
-    (void)AskWith("2147483647.2147483647");
-    (void)AskWith("-2147483648.-2147483648");
-    EXPECT_EQ(TestSupport::LogLines("Win10AndHiger").size(), 2u);
+    EXPECT_EQ(AskWith("2147483647.2147483647"), TRUE);
+    EXPECT_EQ(TestSupport::LogLines("Win10AndHiger").back(),
+              L"TraceOut|Major=2147483647  Minor=2147483647   Version=2147483547");
+    EXPECT_EQ(AskWith("-2147483648.-2147483648"), FALSE);
+    EXPECT_EQ(TestSupport::LogLines("Win10AndHiger").back(),
+              L"TraceOut|Major=-2147483648  Minor=-2147483648   Version=-2147483648");
 }
 
 TEST_F(OsVersionTest, Windows10_NumberInsteadOfText_IsReadAsText)
@@ -256,8 +284,38 @@ TEST(Windows8, Ask_AnyOutcome_TracesEntryAndResult)
                 ElementsAre(L"TraceIn|IsWindows8OrGreater|", L"TraceOut|IsWindows8OrGreater|1"));
 }
 
+// The system's own WMI, so that the allocations are the program's. Without trace records none of them is the log's.
+TEST_F(RealWmi, Windows10_EachAllocationFails_IsFalseWithItsLine)
+{
+    TestSupport::PolicyKey policy(TestSupport::LoggingKey);
+    policy.Text(L"LoggingType", L"EVENT").Text(L"MinLogLevel", L"Information").Text(L"MaxLogLevel", L"Diag");
+    (void)Win10AndHiger();
+    if (Orvik::Shared::IsLevelEnabled(Orvik::Shared::Level::TraceIn))
+        GTEST_SKIP() << "The log of this process takes trace records since an earlier test";
+    std::vector<std::wstring> lines;
+    for (std::size_t nth = 1;; ++nth)
+    {
+        TestSupport::ClearLog();
+        BOOL result = TRUE;
+        bool hasBitten = false;
+        {
+            const AllocationFault fault(nth);
+            result = Win10AndHiger();
+            hasBitten = AllocationFault::HasBitten();
+        }
+        if (!hasBitten)
+            break;
+        EXPECT_EQ(result, FALSE) << nth;
+        const std::vector<std::wstring> written = TestSupport::LogLines("Win10AndHiger");
+        ASSERT_EQ(written.size(), 1u) << nth;
+        lines.push_back(written.front());
+    }
+    EXPECT_THAT(lines, testing::Contains(L"Information|ExecuteQuery failed."));
+    EXPECT_EQ(lines.back(), L"Information|GetPropertyValue for Version property failed.");
+}
+
 // What this system really is: run on prefixes of several Windows versions.
-TEST(RealSystem, Versions_OfThisWindows_AreSeen)
+TEST_F(RealSystem, Versions_OfThisWindows_AreSeen)
 {
     using RtlGetVersionFunction = LONG WINAPI(OSVERSIONINFOW*);
     auto* getVersion = reinterpret_cast<RtlGetVersionFunction*>(

@@ -13,9 +13,11 @@ namespace
 {
 std::wstring g_strAnswer;
 std::optional<DWORD> g_dwLength;
+DWORD g_dwOfferedRoom = 0;
 
 DWORD WINAPI AnsweredGetTempPath(DWORD size, LPWSTR buffer)
 {
+    g_dwOfferedRoom = size;
     if (g_dwLength)
         return *g_dwLength;
     const auto length = static_cast<DWORD>(g_strAnswer.size());
@@ -56,6 +58,11 @@ void TemporaryFolder::Answer(const std::wstring& text)
 void TemporaryFolder::AnswerLength(DWORD length)
 {
     g_dwLength = length;
+}
+
+DWORD TemporaryFolder::OfferedRoom()
+{
+    return g_dwOfferedRoom;
 }
 
 void TemporaryFolder::WriteFile(const std::wstring& name, const std::string& content) const

@@ -22,6 +22,8 @@ public:
     // GetTempPathW gives that text from now on, or with 0 fails, or with a number asks for that much room.
     static void Answer(const std::wstring& text);
     static void AnswerLength(DWORD length);
+    // Room that the last call of GetTempPathW offered, in wide characters.
+    [[nodiscard]] static DWORD OfferedRoom();
 
     void WriteFile(const std::wstring& name, const std::string& content) const;
     // "(none)" when it does not exist.

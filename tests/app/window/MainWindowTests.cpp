@@ -28,7 +28,11 @@ HINSTANCE Module()
 class MainWindowTest : public testing::Test
 {
 protected:
-    MainWindowTest() { LoadProcessNames(Module()); }
+    MainWindowTest()
+    {
+        LoadProcessNames(Module());
+        g_hwndMain = nullptr;
+    }
 
     UserCalls m_calls;
 };
@@ -72,7 +76,9 @@ TEST_F(MainWindowTest, InitInstance_CreatesTheHiddenWindow)
     EXPECT_EQ(m_calls.m_window.lpCreateParams, nullptr);
     EXPECT_EQ(m_calls.m_hwndSession, m_calls.m_hwndCreated);
     EXPECT_EQ(m_calls.m_dwSessionFlags, static_cast<DWORD>(NOTIFY_FOR_THIS_SESSION));
+    EXPECT_EQ(m_calls.m_hwndShown, m_calls.m_hwndCreated);
     EXPECT_EQ(m_calls.m_nShow, SW_HIDE);
+    EXPECT_EQ(m_calls.m_hwndUpdated, m_calls.m_hwndCreated);
 }
 
 TEST_F(MainWindowTest, InitInstance_KeepsModuleAndWindow)
@@ -119,6 +125,8 @@ TEST_F(MainWindowTest, WndProc_Destroy_DeviceHandleThenHubHandle)
     EXPECT_EQ(WndProc(m_calls.m_hwndCreated, WM_DESTROY, 0, 0), 0);
     EXPECT_THAT(m_calls.m_lstUnregistered,
                 ElementsAre(reinterpret_cast<HDEVNOTIFY>(0x10), reinterpret_cast<HDEVNOTIFY>(0x20)));
+    g_hUsbDeviceNotification = nullptr;
+    g_hUsbHubNotification = nullptr;
 }
 
 TEST_F(MainWindowTest, WndProc_AnyOther_IsHandedOn)

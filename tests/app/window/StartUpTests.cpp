@@ -31,6 +31,13 @@ UserCalls::Received Message(UINT message, HWND hwnd = nullptr, WPARAM wParam = 0
     return {TRUE, {hwnd, message, wParam, 0, 0, {}}};
 }
 
+// The message as it was received.
+auto Is(UINT message, HWND hwnd, WPARAM wParam)
+{
+    return testing::AllOf(testing::Field(&MSG::message, message), testing::Field(&MSG::hwnd, hwnd),
+                          testing::Field(&MSG::wParam, wParam));
+}
+
 UserCalls::Received Quit(WPARAM code)
 {
     return {FALSE, {nullptr, WM_QUIT, code, 0, 0, {}}};
@@ -64,6 +71,7 @@ TEST(StartUp, TakeSessionMutex_UnderTheClassNameWithOwnership)
     EXPECT_TRUE(mutex);
     EXPECT_EQ(calls.m_strMutex, L"ORVIKNOTIFICATIONS");
     EXPECT_EQ(calls.m_bOwned, TRUE);
+    EXPECT_EQ(calls.m_pMutexSecurity, nullptr);
 }
 
 TEST(StartUp, TakeSessionMutex_ExistsAlready_LastErrorTells)
@@ -93,6 +101,18 @@ TEST(StartUp, RunMessageLoop_MessageIsTranslatedAndDispatched)
                                               "DispatchMessageW", "GetMessageW"));
     EXPECT_THAT(calls.m_lstAcceleratorWindows, ElementsAre(hwnd));
     EXPECT_EQ(calls.m_hAccelerators, accelerators);
+    EXPECT_THAT(calls.m_lstOffered, ElementsAre(Is(WM_KEYDOWN, hwnd, 'A')));
+    EXPECT_THAT(calls.m_lstTranslated, ElementsAre(Is(WM_KEYDOWN, hwnd, 'A')));
+    EXPECT_THAT(calls.m_lstDispatched, ElementsAre(Is(WM_KEYDOWN, hwnd, 'A')));
+}
+
+TEST(StartUp, RunMessageLoop_LeavesNoMessageOut)
+{
+    UserCalls calls;
+    calls.m_lstMessages = {Message(WM_KEYDOWN), Quit(0)};
+    EXPECT_EQ(RunMessageLoop(nullptr), 0);
+    const UserCalls::Filter none{nullptr, 0, 0};
+    EXPECT_THAT(calls.m_lstFilters, ElementsAre(none, none));
 }
 
 TEST(StartUp, RunMessageLoop_AcceleratorIsNotDispatched)

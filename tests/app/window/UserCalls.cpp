@@ -45,15 +45,17 @@ WINBOOL WINAPI NotedSessionNotification(HWND hwnd, DWORD flags)
     return TRUE;
 }
 
-WINBOOL WINAPI NotedShowWindow(HWND, int show)
+WINBOOL WINAPI NotedShowWindow(HWND hwnd, int show)
 {
-    Note("ShowWindow").m_nShow = show;
+    UserCalls& calls = Note("ShowWindow");
+    calls.m_hwndShown = hwnd;
+    calls.m_nShow = show;
     return FALSE;
 }
 
-WINBOOL WINAPI NotedUpdateWindow(HWND)
+WINBOOL WINAPI NotedUpdateWindow(HWND hwnd)
 {
-    Note("UpdateWindow");
+    Note("UpdateWindow").m_hwndUpdated = hwnd;
     return TRUE;
 }
 
@@ -81,9 +83,10 @@ LRESULT WINAPI NotedDefWindowProcW(HWND hwnd, UINT message, WPARAM wParam, LPARA
     return calls.m_lrDefault;
 }
 
-HANDLE WINAPI NotedCreateMutexW(LPSECURITY_ATTRIBUTES, WINBOOL owned, LPCWSTR name)
+HANDLE WINAPI NotedCreateMutexW(LPSECURITY_ATTRIBUTES security, WINBOOL owned, LPCWSTR name)
 {
     UserCalls& calls = Note("CreateMutexW");
+    calls.m_pMutexSecurity = security;
     calls.m_bOwned = owned;
     calls.m_strMutex = name;
     const HANDLE handle = CreateMutexExW(nullptr, nullptr, 0, MUTEX_ALL_ACCESS);
@@ -91,32 +94,34 @@ HANDLE WINAPI NotedCreateMutexW(LPSECURITY_ATTRIBUTES, WINBOOL owned, LPCWSTR na
     return handle;
 }
 
-WINBOOL WINAPI NotedGetMessageW(LPMSG message, HWND, UINT, UINT)
+WINBOOL WINAPI NotedGetMessageW(LPMSG message, HWND hwnd, UINT first, UINT last)
 {
     UserCalls& calls = Note("GetMessageW");
+    calls.m_lstFilters.push_back({hwnd, first, last});
     const UserCalls::Received& received = calls.m_lstMessages.at(calls.m_nReceived++);
     if (received.m_nResult != -1)
         *message = received.m_message;
     return received.m_nResult;
 }
 
-int WINAPI NotedTranslateAcceleratorW(HWND hwnd, HACCEL accelerators, LPMSG)
+int WINAPI NotedTranslateAcceleratorW(HWND hwnd, HACCEL accelerators, LPMSG message)
 {
     UserCalls& calls = Note("TranslateAcceleratorW");
     calls.m_lstAcceleratorWindows.push_back(hwnd);
     calls.m_hAccelerators = accelerators;
+    calls.m_lstOffered.push_back(*message);
     return calls.m_lstMessages[calls.m_nReceived - 1].m_bAccelerator;
 }
 
-WINBOOL WINAPI NotedTranslateMessage(const MSG*)
+WINBOOL WINAPI NotedTranslateMessage(const MSG* message)
 {
-    Note("TranslateMessage");
+    Note("TranslateMessage").m_lstTranslated.push_back(*message);
     return FALSE;
 }
 
-LRESULT WINAPI NotedDispatchMessageW(const MSG*)
+LRESULT WINAPI NotedDispatchMessageW(const MSG* message)
 {
-    Note("DispatchMessageW");
+    Note("DispatchMessageW").m_lstDispatched.push_back(*message);
     return 0;
 }
 } // namespace

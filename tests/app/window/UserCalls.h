@@ -29,11 +29,14 @@ public:
     HWND m_hwndCreated = reinterpret_cast<HWND>(0x1234); // what CreateWindowExW answers
     HWND m_hwndSession = nullptr;
     DWORD m_dwSessionFlags = 99;
+    HWND m_hwndShown = nullptr;
     int m_nShow = -1;
+    HWND m_hwndUpdated = nullptr;
     std::vector<HDEVNOTIFY> m_lstUnregistered;
     int m_nQuitCode = -1;
     MSG m_default{}; // what DefWindowProcW was given
     LRESULT m_lrDefault = 0;
+    const SECURITY_ATTRIBUTES* m_pMutexSecurity = reinterpret_cast<const SECURITY_ATTRIBUTES*>(0x99);
     BOOL m_bOwned = FALSE;
     std::wstring m_strMutex;
     DWORD m_dwMutexError = ERROR_SUCCESS;
@@ -46,8 +49,21 @@ public:
     };
     std::vector<Received> m_lstMessages;
     std::size_t m_nReceived = 0;
+    // What each GetMessageW was told to leave out.
+    struct Filter
+    {
+        HWND m_hwnd;
+        UINT m_first;
+        UINT m_last;
+        bool operator==(const Filter&) const = default;
+    };
+    std::vector<Filter> m_lstFilters;
     std::vector<HWND> m_lstAcceleratorWindows;
     HACCEL m_hAccelerators = nullptr;
+    // Copies of the messages that were passed on.
+    std::vector<MSG> m_lstOffered;    // to TranslateAcceleratorW
+    std::vector<MSG> m_lstTranslated; // by TranslateMessage
+    std::vector<MSG> m_lstDispatched;
 
 private:
     struct Redirections;

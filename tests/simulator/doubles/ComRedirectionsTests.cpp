@@ -154,9 +154,12 @@ TEST_F(ComRedirectionsTest, Security_IsJournalledAndFailsByPlan)
     EXPECT_EQ(CoInitializeSecurity(nullptr, -1, nullptr, nullptr, 0, 3, nullptr, 0, nullptr), PlannedFailure);
     EXPECT_EQ(LastDetails("call", "CoInitializeSecurity"), nlohmann::json({{"descriptor", false},
                                                                            {"services", -1},
+                                                                           {"list", false},
                                                                            {"authentication-level", 0},
                                                                            {"impersonation-level", 3},
+                                                                           {"identities", false},
                                                                            {"capabilities", 0},
+                                                                           {"reserved", false},
                                                                            {"planned-failure", 0x8004D00D}}));
     EXPECT_GE(CoInitializeSecurity(nullptr, -1, nullptr, nullptr, 0, 3, nullptr, 0, nullptr), 0);
 }

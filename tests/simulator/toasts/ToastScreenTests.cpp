@@ -14,17 +14,17 @@ protected:
         for (int i = 0; i < 300 && !IsToastAt(point, number); ++i)
             Sleep(10);
         ASSERT_TRUE(IsToastAt(point, number)) << "Another window covers the toast.";
+        // Each event carries the point: the display may report an older place of the pointer in between.
         INPUT events[3] = {};
         for (INPUT& event : events)
+        {
             event.type = INPUT_MOUSE;
-        events[0].mi = {Absolute(point.x, SM_CXSCREEN),
-                        Absolute(point.y, SM_CYSCREEN),
-                        0,
-                        MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE,
-                        0,
-                        0};
-        events[1].mi.dwFlags = down;
-        events[2].mi.dwFlags = up;
+            event.mi.dx = Absolute(point.x, SM_CXSCREEN);
+            event.mi.dy = Absolute(point.y, SM_CYSCREEN);
+            event.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
+        }
+        events[1].mi.dwFlags |= down;
+        events[2].mi.dwFlags |= up;
         ASSERT_EQ(SendInput(3, events, sizeof(INPUT)), 3u);
     }
 
