@@ -1,6 +1,8 @@
 #include "wmievents/PlatformCommand.h"
 
+using Orvik::Shared::Log;
 using Orvik::Shared::TraceScope;
+namespace Level = Orvik::Shared::Level;
 
 namespace Notifications::OrvikWmiEvents
 {
@@ -14,9 +16,9 @@ HRESULT CreateCommand(const TraceScope& trace, IPlixCommandPtr& spCommand)
 
 _variant_t SendCommand(const TraceScope& trace, IPlixCommand* command, const wchar_t* name, HRESULT* result)
 {
-    trace.Verbose(L"Before Calling %s", name);
+    Log(Level::TraceIn, trace.FunctionName(), L"Before Calling %s", name);
     _variant_t answer = ExecutePlixCommand(command, name, result);
-    trace.Verbose(L"After Calling %s", name);
+    Log(Level::TraceOut, trace.FunctionName(), L"After Calling %s", name);
     return answer;
 }
 

@@ -67,8 +67,8 @@ TEST_F(PlatformCommandTest, SendCommand_LogsBeforeAndAfterUnderTheCallersName)
     HRESULT result = E_UNEXPECTED;
     EXPECT_EQ(static_cast<long>(SendCommand(trace, spCommand, L"SmartAdapter.Status", &result)), 3);
     EXPECT_EQ(result, S_OK);
-    EXPECT_THAT(TestSupport::LogLines(), ElementsAre(L"Verbose|Caller|Before Calling SmartAdapter.Status",
-                                                     L"Verbose|Caller|After Calling SmartAdapter.Status"));
+    EXPECT_THAT(TestSupport::LogLines(), ElementsAre(L"TraceIn|Caller|Before Calling SmartAdapter.Status",
+                                                     L"TraceOut|Caller|After Calling SmartAdapter.Status"));
 }
 
 TEST_F(PlatformCommandTest, SendCommand_SuccessOtherThanOk_IsHandedOut)
@@ -93,7 +93,7 @@ TEST_F(PlatformCommandTest, SendCommand_Fails_RaisesTheCodeAndLogsNothingBehindI
     EXPECT_THROW(static_cast<void>(SendCommand(trace, nullptr, L"No.Command", &result)), _com_error);
     EXPECT_EQ(result, E_UNEXPECTED);
     EXPECT_THAT(TestSupport::LogLines(),
-                ElementsAre(L"Verbose|Caller|Before Calling No.Such", L"Verbose|Caller|Before Calling No.Command"));
+                ElementsAre(L"TraceIn|Caller|Before Calling No.Such", L"TraceIn|Caller|Before Calling No.Command"));
 }
 
 TEST_F(PlatformCommandTest, Interface_MethodsLieInTheLibrarysSlots)

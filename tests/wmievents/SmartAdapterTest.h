@@ -12,8 +12,8 @@ class SmartAdapterTest : public HubTest
 {
 protected:
     static constexpr const char* Handler = "Notifications::OrvikWmiEvents::COrvikWmiEvents::ProcessSmartAdapterEvent";
-    static constexpr const wchar_t* Before = L"Verbose|Before Calling SmartAdapter.Status";
-    static constexpr const wchar_t* After = L"Verbose|After Calling SmartAdapter.Status";
+    static constexpr const wchar_t* Before = L"TraceIn|Before Calling SmartAdapter.Status";
+    static constexpr const wchar_t* After = L"TraceOut|After Calling SmartAdapter.Status";
     // What an event with status 3 writes.
     static inline const std::vector<std::wstring> ShownRecords = {
         L"TraceIn|",
