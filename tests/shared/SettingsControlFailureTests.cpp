@@ -191,7 +191,8 @@ TEST(SettingsControl, ManyThreadsWhileThePolicyChanges_GetOneOfTheTwoAnswers)
     const unsigned handles = OpenHandleCount();
     Answers answers;
     AskWhileItChanges(key, answers);
-    EXPECT_EQ(OpenHandleCount(), handles);
+    // The system makes a lock's event when threads first meet there; keys left open would be hundreds.
+    EXPECT_LT(OpenHandleCount(), handles + 8);
     EXPECT_GE(answers.m_nOn, 4u) << "the first answer of each thread";
     EXPECT_EQ(LogCount(Orvik::Shared::Level::Verbose, g_function, L"Found in Orvik, native location"), answers.m_nAll);
     EXPECT_EQ(LogRecords().size(), answers.m_nAll);
