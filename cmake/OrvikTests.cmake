@@ -6,7 +6,14 @@ endif()
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 add_subdirectory("${ORVIK_GOOGLETEST_SOURCE}" "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
 include(GoogleTest)
-option(ORVIK_TEST_SYMBOLS "Test programs keep what a debugger needs" OFF)
+
+add_library(orvik_test_options INTERFACE)
+target_compile_options(orvik_test_options INTERFACE ${ORVIK_SHORT_BUILD_FLAGS})
+target_link_libraries(orvik_test_options INTERFACE orvik_options GTest::gtest GTest::gmock)
+add_library(orvik_test_headers STATIC "${CMAKE_SOURCE_DIR}/cmake/TestHeaders.cpp")
+target_link_libraries(orvik_test_headers PRIVATE orvik_test_options)
+orvik_debian_headers(orvik_test_headers nlohmann)
+orvik_precompile(orvik_test_headers <gmock/gmock.h> <gtest/gtest.h>)
 
 # orvik_test(name SOURCES ... LINKS ... [LABEL unit] [PROPERTIES ...]): a test program <name>_tests; each of its tests is
 # a CTest test in a process of its own, run under Wine through the emulator of the toolchain file.
@@ -16,9 +23,8 @@ function(orvik_test name)
         set(ARG_LABEL unit)
     endif()
     add_executable(${name}_tests ${ARG_SOURCES})
-    target_link_libraries(${name}_tests PRIVATE orvik_options ${ARG_LINKS} GTest::gtest GTest::gmock)
-    # Test code itself is not optimised: it compiles in half the time. What it tests is, by the preset.
-    target_compile_options(${name}_tests PRIVATE -O0 $<IF:$<BOOL:${ORVIK_TEST_SYMBOLS}>,-g1,-g0>)
+    target_link_libraries(${name}_tests PRIVATE orvik_test_options ${ARG_LINKS})
+    target_precompile_headers(${name}_tests REUSE_FROM orvik_test_headers)
     # A test program without symbols is a tenth of the size, and each of its tests starts it anew.
     target_link_options(${name}_tests PRIVATE -municode $<$<NOT:$<BOOL:${ORVIK_TEST_SYMBOLS}>>:-s>)
     gtest_discover_tests(${name}_tests
