@@ -29,6 +29,7 @@ std::vector<FileState> ReadFileStates(const nlohmann::json& list, const std::str
     if (!list.is_array())
         throw UsageError(place + ": a list is expected");
     std::vector<FileState> files;
+    files.reserve(list.size());
     for (std::size_t i = 0; i < list.size(); ++i)
         files.push_back(ReadFileState(list[i], place + "/" + std::to_string(i)));
     return files;

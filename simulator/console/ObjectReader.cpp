@@ -32,7 +32,7 @@ void ObjectReader::Finish() const
             continue;
         std::string known;
         for (const std::string& name : m_setKnown)
-            known += (known.empty() ? "" : ", ") + name;
+            known.append(known.empty() ? "" : ", ").append(name);
         Complain("unknown key \"" + key + "\"; known here: " + known);
     }
 }

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <set>
 #include <string>
+#include <utility>
 
 namespace Simulator
 {
@@ -26,7 +27,7 @@ public:
     [[nodiscard]] Value Get(const std::string& key, Value absent)
     {
         const nlohmann::json* found = Find(key);
-        return found != nullptr ? Convert<Value>(*found, key) : absent;
+        return found != nullptr ? Convert<Value>(*found, key) : std::move(absent);
     }
 
     template <class Value>

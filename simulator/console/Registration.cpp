@@ -9,8 +9,8 @@ namespace Simulator
 {
 namespace
 {
-constexpr char g_classes[] = "SOFTWARE\\Classes\\CLSID\\";
-constexpr char g_runtimeClasses[] = "SOFTWARE\\Microsoft\\WindowsRuntime\\ActivatableClassId\\";
+constexpr char g_classes[] = R"(SOFTWARE\Classes\CLSID\)";
+constexpr char g_runtimeClasses[] = R"(SOFTWARE\Microsoft\WindowsRuntime\ActivatableClassId\)";
 
 struct Part
 {

@@ -90,7 +90,11 @@ Action ReadExpectProgram(const nlohmann::json& value, const std::string& place)
         for (const auto& [key, expected] : details.items())
         {
             if (entry->m_details.value(key, nlohmann::json()) != expected)
-                throw StepFailure(path + " was started with " + key + " " + entry->m_details[key].dump());
+                throw StepFailure(std::string(path)
+                                      .append(" was started with ")
+                                      .append(key)
+                                      .append(" ")
+                                      .append(entry->m_details[key].dump()));
         }
     };
 }

@@ -50,7 +50,10 @@ Action ReadPicture(const nlohmann::json& value, const std::string& place)
     {
         const std::filesystem::path& folder = run.GetOptions().m_pictures;
         if (folder.empty())
-            return run.Say("console", "no picture of the toast: --pictures was not given");
+        {
+            run.Say("console", "no picture of the toast: --pictures was not given");
+            return;
+        }
         std::filesystem::create_directories(folder);
         const std::filesystem::path file = folder / name;
         run.Command({{"command", "picture"}, {"number", 0}, {"file", Narrow(file.native())}});

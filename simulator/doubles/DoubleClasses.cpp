@@ -38,8 +38,7 @@ const std::vector<DoubleClass>& DoubleClasses()
 const DoubleClass* FindDoubleClass(REFCLSID classId)
 {
     const auto& classes = DoubleClasses();
-    const auto found = std::find_if(classes.begin(), classes.end(),
-                                    [&](const DoubleClass& entry) { return entry.m_classId == classId; });
+    const auto found = std::ranges::find(classes, classId, &DoubleClass::m_classId);
     return found != classes.end() ? &*found : nullptr;
 }
 
@@ -47,9 +46,9 @@ const DoubleClass* FindDoubleClass(std::wstring_view progId)
 {
     const auto& classes = DoubleClasses();
     const std::wstring text(progId);
-    const auto found =
-        std::find_if(classes.begin(), classes.end(), [&](const DoubleClass& entry)
-                     { return entry.m_pszProgId != nullptr && _wcsicmp(entry.m_pszProgId, text.c_str()) == 0; });
+    const auto found = std::ranges::find_if(
+        classes, [&](const DoubleClass& entry)
+        { return entry.m_pszProgId != nullptr && _wcsicmp(entry.m_pszProgId, text.c_str()) == 0; });
     return found != classes.end() ? &*found : nullptr;
 }
 

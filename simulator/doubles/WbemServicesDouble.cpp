@@ -40,8 +40,9 @@ HRESULT ReadQuery(const OLECHAR* language, const OLECHAR* text, WmiQuery& query)
 bool IsEventClass(std::string_view name)
 {
     const nlohmann::json fact = Facts::Instance().Get("/wmi/event-classes");
-    return !fact.is_array() || std::any_of(fact.begin(), fact.end(), [&](const nlohmann::json& entry)
-                                           { return entry.is_string() && EqualNames(entry.get<std::string>(), name); });
+    return !fact.is_array() ||
+           std::ranges::any_of(fact, [&](const nlohmann::json& entry)
+                               { return entry.is_string() && EqualNames(entry.get<std::string>(), name); });
 }
 } // namespace
 

@@ -3,6 +3,7 @@
 #include "simulator/model/Facts.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace Simulator
 {
@@ -14,8 +15,8 @@ std::string RealVersion()
 {
     // GetVersionEx answers what the manifest allows; this one what is true.
     using RtlGetVersionFunction = LONG(WINAPI*)(OSVERSIONINFOW*);
-    const auto getVersion = reinterpret_cast<RtlGetVersionFunction>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetVersion")));
+    const auto getVersion =
+        std::bit_cast<RtlGetVersionFunction>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetVersion"));
     OSVERSIONINFOW version{};
     version.dwOSVersionInfoSize = sizeof(version);
     if (getVersion != nullptr)
@@ -57,7 +58,7 @@ nlohmann::json Selected(const nlohmann::json& properties, const std::vector<std:
     nlohmann::json selected = nlohmann::json::object();
     for (const auto& [name, value] : properties.items())
     {
-        if (std::any_of(wanted.begin(), wanted.end(), [&](const auto& entry) { return EqualNames(entry, name); }))
+        if (std::ranges::any_of(wanted, [&](const auto& entry) { return EqualNames(entry, name); }))
             selected[name] = value;
     }
     return selected;

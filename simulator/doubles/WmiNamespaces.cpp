@@ -25,8 +25,8 @@ constexpr std::array<std::string_view, 7> UsualNamespaces = {
 std::optional<std::string> NormalNamespace(std::string_view path)
 {
     std::string name(path);
-    std::transform(
-        name.begin(), name.end(), name.begin(), [](char character)
+    std::ranges::transform(
+        name, name.begin(), [](char character)
         { return character == '/' ? '\\' : static_cast<char>(std::tolower(static_cast<unsigned char>(character))); });
     if (name.starts_with(R"(\\.\)"))
         name.erase(0, 4);
@@ -40,8 +40,9 @@ bool NamespaceExists(std::string_view normalName)
 {
     const nlohmann::json fact = Facts::Instance().Get("/wmi/namespaces");
     if (!fact.is_array())
-        return std::find(UsualNamespaces.begin(), UsualNamespaces.end(), normalName) != UsualNamespaces.end();
-    return std::any_of(fact.begin(), fact.end(), [&](const nlohmann::json& entry)
-                       { return entry.is_string() && NormalNamespace(entry.get<std::string>()) == normalName; });
+        return std::ranges::find(UsualNamespaces, normalName) != std::end(UsualNamespaces);
+    return std::ranges::any_of(
+        fact, [&](const nlohmann::json& entry)
+        { return entry.is_string() && NormalNamespace(entry.get<std::string>()) == normalName; });
 }
 } // namespace Simulator

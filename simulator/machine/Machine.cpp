@@ -81,7 +81,8 @@ Protocol::StartResult StartMachine()
     if (!ControlChannel::Open(EnvironmentText(Protocol::ChannelVariable)))
         return StartResult::NoChannel;
     // Never destroyed: WMI's apartment lives as long as the process.
-    if (const auto* apartment = new UnsecuredApartmentServer; FAILED(apartment->Result()))
+    static const auto* const apartment = new UnsecuredApartmentServer;
+    if (FAILED(apartment->Result()))
         return StartResult::NoApartment;
     InstallRedirections();
     Journal::Instance().Append("machine", "started", {{"windows", WindowsName()}});

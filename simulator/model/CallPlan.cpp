@@ -49,7 +49,7 @@ HRESULT CallPlan::Enter(std::string_view call, nlohmann::json details, std::stri
         hr = Decide(call);
         if (const auto found = m_mapDelays.find(call); found != m_mapDelays.end())
             delay = found->second;
-        hangs = std::find(m_lstHanging.begin(), m_lstHanging.end(), call) != m_lstHanging.end();
+        hangs = std::ranges::find(m_lstHanging, call) != m_lstHanging.end();
     }
     if (FAILED(hr))
         details["planned-failure"] = static_cast<std::uint32_t>(hr);

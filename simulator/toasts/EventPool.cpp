@@ -28,7 +28,7 @@ void EventPool::Post(std::function<void()> work)
     }
     auto context = std::make_unique<std::function<void()>>(std::move(work));
     if (TrySubmitThreadpoolCallback(&EventPool::Run, context.get(), &m_environment))
-        context.release();
+        static_cast<void>(context.release());
     else
         Done();
 }

@@ -15,6 +15,9 @@ template <class Sink, class Callbacks>
 class EventSink : public IWbemObjectSink
 {
 public:
+    EventSink(const EventSink&) = delete;
+    EventSink& operator=(const EventSink&) = delete;
+
     // Leaves *ppObject alone when the interface is not one of the sink's.
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** ppObject) override
     {
@@ -36,9 +39,6 @@ public:
     }
 
 protected:
-    explicit EventSink(const Callbacks& callbacks) : m_callbacks(callbacks) {}
-    EventSink(const EventSink&) = delete;
-    EventSink& operator=(const EventSink&) = delete;
     ~EventSink() = default;
 
     static HRESULT LogStatus(const char* functionName, long lFlags, HRESULT hResult)
@@ -52,6 +52,10 @@ protected:
 
     LONG m_nRefCount = 1;
     const Callbacks m_callbacks;
+
+private:
+    friend Sink;
+    explicit EventSink(const Callbacks& callbacks) : m_callbacks(callbacks) {}
 };
 
 // The sink of a subscription's callbacks; null when none of them is usable.

@@ -57,7 +57,7 @@ HRESULT COrvikWmiEvents::RegisterGPIOWMIEvent()
 
 void COrvikWmiEvents::ProcessWMIEvent(const CStringW& eventClass, VARIANT* eventData)
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     try
     {
         ShowPublicEvent(trace, eventClass, eventData);

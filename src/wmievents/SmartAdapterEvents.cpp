@@ -100,7 +100,7 @@ HRESULT COrvikWmiEvents::RegisterSmartAdapterEvent(const std::wstring& iconPath)
 
 void COrvikWmiEvents::ProcessSmartAdapterEvent()
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     if (AreAllNotificationsSuppressed() || CSettingsControl::GetRegistrySetting(L"SuppressSmartAdapterNotifications"))
     {
         trace.Verbose(L"Notifications are suppressed");

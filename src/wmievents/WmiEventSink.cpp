@@ -63,7 +63,7 @@ WmiEventSink::WmiEventSink(COrvikWmiEvents* owner, BiosEventCallbacks::WithParam
 
 WmiEventSink::~WmiEventSink()
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
 }
 
 HRESULT WmiEventSink::Indicate(long lObjectCount, IWbemClassObject** apObjArray)
