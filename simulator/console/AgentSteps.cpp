@@ -37,11 +37,13 @@ std::function<void(ScenarioRun&)> ReadSecondCopy(const nlohmann::json& value, co
     return [=](ScenarioRun& run) { run.RunSecondCopy(exitCode); };
 }
 
-// {"message": number, "wparam": number, "lparam": number} to the main window.
+// {"message": number, "wparam": number, "lparam": number} to the main window; with "wait" the step ends when the agent
+// has handled it.
 std::function<void(ScenarioRun&)> ReadMessage(const nlohmann::json& value, const std::string& place)
 {
     ObjectReader reader(value, place);
-    const nlohmann::json command = {{"command", "message"},
+    const char* const way = reader.Get<bool>("wait", false) ? "send-message" : "message";
+    const nlohmann::json command = {{"command", way},
                                     {"message", reader.Get<unsigned>("message")},
                                     {"wparam", reader.Get<std::uint64_t>("wparam", 0)},
                                     {"lparam", reader.Get<std::int64_t>("lparam", 0)}};

@@ -25,13 +25,20 @@ void SayWhetherQuiet(ScenarioRun& run)
         run.Say("check", "no toast is shown");
 }
 
+bool TellsTheAgent(const std::string& line)
+{
+    constexpr const char* words[] = {"status", "event", "bios", "plug"};
+    return line == "acpi" || line.starts_with("acpi ") ||
+           std::any_of(std::begin(words), std::end(words), [&](const char* word) { return line.starts_with(word); });
+}
+
 void CarryOut(ScenarioRun& run, const std::string& line)
 {
     try
     {
         for (const nlohmann::json& step : StepsOfLine(line))
             ReadStep(step, "").m_action(run);
-        if (line.starts_with("status") || line.starts_with("event") || line.starts_with("bios"))
+        if (TellsTheAgent(line))
             SayWhetherQuiet(run);
     }
     catch (const UsageError& fault)

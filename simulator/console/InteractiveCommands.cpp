@@ -2,6 +2,8 @@
 
 #include "simulator/console/Failure.h"
 
+#include <sstream>
+
 namespace Simulator
 {
 namespace
@@ -84,6 +86,92 @@ Steps Copy(const std::string&)
     return {{{"second-copy", nlohmann::json::object()}}};
 }
 
+Steps Suspend(const std::string&)
+{
+    return {{{"power", "suspend"}}};
+}
+
+Steps Resume(const std::string&)
+{
+    return {{{"power", "resume"}}};
+}
+
+Steps Lock(const std::string&)
+{
+    return {{{"session", "lock"}}};
+}
+
+Steps Unlock(const std::string&)
+{
+    return {{{"session", "unlock"}}};
+}
+
+// The words after one another.
+std::vector<std::string> Words(const std::string& rest)
+{
+    std::vector<std::string> words;
+    std::istringstream stream(rest);
+    for (std::string word; stream >> word;)
+        words.push_back(word);
+    return words;
+}
+
+// "8042" hears of USB-C through the ACPI event device; which way it is the agent finds out at its start.
+Steps Machine(const std::string& rest)
+{
+    const nlohmann::json answer = {{"answer", {{"bstr", rest}}}};
+    return {{{"facts", {{"commands", {{"Platform.MachineID", answer}}}}}},
+            {{"stop", nlohmann::json::object()}},
+            {{"start", nlohmann::json::object()}}};
+}
+
+Steps UsbC(const std::string& rest)
+{
+    const nlohmann::json answer = {{"answer", {{"bool", IsOn(rest)}}}};
+    return {{{"facts", {{"commands", {{"Platform.USBC.Supported", answer}}}}}},
+            {{"stop", nlohmann::json::object()}},
+            {{"start", nlohmann::json::object()}}};
+}
+
+Steps Messages(const std::string& rest)
+{
+    const std::vector<std::string> ids = Words(rest);
+    std::string xml = "<GetUsbCMessagesOutput><Output><Data NumberOfPorts='1'><Port0 NumberOfMessages='" +
+                      std::to_string(ids.size()) + "'>";
+    for (std::size_t i = 0; i < ids.size(); ++i)
+        xml += "<Message" + std::to_string(i) + " MessageId='" + std::to_string(Number(ids[i])) + "' Valid='true'/>";
+    xml += "</Port0></Data></Output></GetUsbCMessagesOutput>";
+    return {{{"facts", {{"commands", {{"Platform.USBC.Messages", {{"answer", {{"bstr", xml}}}}}}}}}}};
+}
+
+Steps Acpi(const std::string& rest)
+{
+    return {{{"acpi-event", rest.empty() ? "0xA0" : rest}}};
+}
+
+Steps AcpiFail(const std::string& rest)
+{
+    return {{{"acpi-failure", rest.empty() ? "0xC0000001" : rest}}};
+}
+
+Steps AcpiDevice(const std::string& rest)
+{
+    return {{{"acpi-device", IsOn(rest)}}};
+}
+
+// The port, and the class of the device; a billboard device without it.
+Steps PlugIn(const std::string& rest)
+{
+    const std::vector<std::string> words = Words(rest);
+    const nlohmann::json port = words.empty() ? "1" : words[0];
+    return {{{"plug", {{"port", port}, {"class", words.size() < 2 ? "0x11" : words[1]}}}}};
+}
+
+Steps Unplug(const std::string& rest)
+{
+    return {{{"unplug", rest.empty() ? "1" : rest}}};
+}
+
 struct KeyboardCommand
 {
     const char* m_pWord;
@@ -102,6 +190,18 @@ constexpr KeyboardCommand g_commands[] = {
     {"picture", "[FILE]", "write a picture of the toast (with --pictures)", &Picture},
     {"suppress", "on|off", "the administrator silences all notifications", &Suppress},
     {"component", "on|off", "the platform's notification component is installed", &Component},
+    {"sleep", "", "the computer goes to sleep", &Suspend},
+    {"wake", "", "the computer wakes up", &Resume},
+    {"lock", "", "the session is locked", &Lock},
+    {"unlock", "", "the session is unlocked", &Unlock},
+    {"machine", "ID", "another machine, and the agent anew: 8042 has the ACPI event device", &Machine},
+    {"usbc", "on|off", "the machine has USB-C messages, and the agent anew", &UsbC},
+    {"messages", "ID ...", "what the firmware holds about USB-C ports from now on", &Messages},
+    {"acpi", "[BYTE]", "the ACPI device reports an event; 0xA0 is one of USB-C", &Acpi},
+    {"acpi-fail", "[STATUS]", "the request at the ACPI device fails", &AcpiFail},
+    {"acpi-device", "on|off", "the ACPI device is there", &AcpiDevice},
+    {"plug", "[PORT CLASS]", "a USB device is plugged in; class 0x11 is a billboard device", &PlugIn},
+    {"unplug", "[PORT]", "a USB device is unplugged", &Unplug},
     {"copy", "", "start a second copy of the agent", &Copy},
 };
 } // namespace
@@ -112,11 +212,11 @@ std::string InteractiveHelp()
     for (const KeyboardCommand& command : g_commands)
     {
         std::string left = std::string(command.m_pWord) + " " + command.m_pRest;
-        left.resize(18, ' ');
+        left.resize(20, ' ');
         help += "  " + left + command.m_pMeaning + "\n";
     }
-    help += "  {...}             any step of a scenario, as JSON\n";
-    help += "  quit              end the agent\n";
+    help += "  {...}               any step of a scenario, as JSON\n";
+    help += "  quit                end the agent\n";
     return help;
 }
 

@@ -3,6 +3,8 @@
 #include "simulator/console/Failure.h"
 #include "simulator/console/StandardMachine.h"
 
+#include <algorithm>
+
 namespace Simulator
 {
 ScenarioRun::ScenarioRun(EntryLog& entries, const Options& options, nlohmann::json facts,
@@ -36,6 +38,7 @@ void ScenarioRun::Start(std::optional<DWORD> exitCode)
                           { return m_pAgent->IsOwn(candidate, "ready") || m_pAgent->IsOwn(candidate, "ended"); });
     if (!entry)
         throw StepFailure("the agent did not reach its message loop");
+    m_bHearsArrivals = HasAskedForArrivals();
     if (exitCode)
         CheckEnd(*exitCode);
     else if (!m_pAgent->IsOwn(*entry, "ready"))
@@ -117,6 +120,37 @@ void ScenarioRun::WaitForHandled()
     for (const int id : m_lstUnanswered)
         Agent().Answer(id, m_options.m_limit);
     m_lstUnanswered.clear();
+}
+
+void ScenarioRun::WaitUntilIdle()
+{
+    const unsigned fence = ++m_nLastFence;
+    // Taken from the queue behind the others, when they have been handled.
+    Command({{"command", "message"}, {"message", WM_NULL}, {"wparam", fence}});
+    const auto isFence = [fence](const Entry& entry)
+    {
+        return entry.m_strKind == "agent" && entry.m_strSubject == "message" &&
+               entry.m_details.value("message", 1u) == WM_NULL && entry.m_details.value("wparam", 0u) == fence;
+    };
+    if (!m_entries.WaitFor(m_nMark, m_options.m_limit, isFence))
+        throw StepFailure("the agent handles no messages");
+}
+
+DeviceDriver& ScenarioRun::Devices()
+{
+    if (!m_devices)
+        m_devices.emplace();
+    if (!*m_devices)
+        throw StepFailure("the simulated devices are not installed");
+    return *m_devices;
+}
+
+// A failure that a plan has made leaves the agent without them.
+bool ScenarioRun::HasAskedForArrivals() const
+{
+    const std::vector<Entry> entries = m_entries.From(m_nMark);
+    return std::any_of(entries.begin(), entries.end(), [](const Entry& entry)
+                       { return entry.m_strKind == "agent" && entry.m_strSubject == "hears-arrivals"; });
 }
 
 std::vector<Entry> ScenarioRun::SinceMark() const

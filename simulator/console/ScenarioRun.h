@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulator/console/AgentSession.h"
+#include "simulator/devices/DeviceDriver.h"
 
 #include <set>
 
@@ -36,6 +37,14 @@ public:
     void SendOnly(nlohmann::json command);
     void WaitForHandled();
 
+    // Waits until the agent's main thread has handled every message that was posted to it before.
+    void WaitUntilIdle();
+
+    // Throws StepFailure where they are not installed.
+    DeviceDriver& Devices();
+    // Whether the running agent has asked Windows for the arrivals of devices.
+    [[nodiscard]] bool HearsArrivals() const noexcept { return m_bHearsArrivals; }
+
     // From here on expectations look; every acting step begins so.
     void Mark() { m_nMark = m_entries.Size(); }
     // What happened since the mark and no expectation has taken yet.
@@ -46,9 +55,12 @@ public:
     // Counts of live doubles, to be compared later.
     std::map<std::string, long> LiveObjects();
     std::map<std::string, long> m_mapRememberedLive;
+    // What the agent's process used at "remember-use".
+    nlohmann::json m_rememberedUse;
 
 private:
     AgentSession& Agent();
+    [[nodiscard]] bool HasAskedForArrivals() const;
 
     EntryLog& m_entries;
     const Options& m_options;
@@ -56,6 +68,9 @@ private:
     EnvironmentChanges m_environment;
     std::unique_ptr<AgentSession> m_pAgent;
     std::vector<int> m_lstUnanswered;
+    std::optional<DeviceDriver> m_devices;
+    bool m_bHearsArrivals = false;
+    unsigned m_nLastFence = 0;
     std::size_t m_nMark = 0;
     std::set<std::size_t> m_setTaken;
 };

@@ -1,9 +1,14 @@
 #include "simulator/console/StandardMachine.h"
 
+#include "simulator/console/Failure.h"
 #include "simulator/console/FileState.h"
 #include "simulator/console/RegistryValue.h"
+#include "simulator/devices/DeviceDriver.h"
+#include "simulator/devices/DriverInstallation.h"
 
 #include <windows.h>
+
+#include <system_error>
 
 namespace Simulator
 {
@@ -36,6 +41,21 @@ void MakeUserFolder(const std::filesystem::path& folder, const wchar_t* variable
     Apply(FileState{.m_strPath = folder.native(), .m_strText = "", .m_bFolder = true, .m_bRemove = false});
     SetEnvironmentVariableW(variable, folder.c_str());
 }
+// Where the devices are not installed there is nothing to take back; steps that need them say so.
+void ResetDevices()
+{
+    try
+    {
+        if (!StartInstalledDriver())
+            return;
+    }
+    catch (const std::system_error& fault)
+    {
+        throw StepFailure(std::string("the driver of the simulated devices does not start: ") + fault.what());
+    }
+    if (const DWORD error = DeviceDriver().Reset(); error != ERROR_SUCCESS)
+        throw StepFailure(WindowsFailure("the reset of the simulated devices", error));
+}
 } // namespace
 
 const nlohmann::json& StandardFacts()
@@ -61,6 +81,7 @@ void ResetMachine(const std::filesystem::path& out)
         remove.m_bRemoveKey = true;
         Apply(remove);
     }
+    ResetDevices();
     Apply(FileState{.m_strPath = out.native(), .m_strText = "", .m_bFolder = false, .m_bRemove = true});
     MakeUserFolder(out / L"temp", L"TEMP");
     MakeUserFolder(out / L"temp", L"TMP");

@@ -13,8 +13,8 @@ namespace Simulator
 // is replaced as a whole.
 void OverlayFacts(nlohmann::json& facts, const nlohmann::json& more);
 
-// Takes back whatever an earlier scenario or agent left in the registry, empties the folder of this scenario's output,
-// and makes the user's folders anew inside it: %TEMP%, %APPDATA% and, in this, %ORVIK_SIM_PROGRAMS%, the programs of
-// the start menu. The machine must be a prepared one. Throws StepFailure.
+// Takes back whatever an earlier scenario or agent left in the registry and at the devices, empties the folder of this
+// scenario's output, and makes the user's folders anew inside it: %TEMP%, %APPDATA% and, in this, %ORVIK_SIM_PROGRAMS%,
+// the programs of the start menu. The machine must be a prepared one. Throws StepFailure.
 void ResetMachine(const std::filesystem::path& out);
 } // namespace Simulator

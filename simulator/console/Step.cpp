@@ -7,8 +7,9 @@ namespace
 std::map<std::string, StepReader> AllKinds()
 {
     std::map<std::string, StepReader> kinds;
-    for (const auto& group : {AgentSteps(), EventSteps(), UserSteps(), StateSteps(), PlanSteps(), ToastExpectations(),
-                              LogExpectations(), CallExpectations(), FileExpectations()})
+    for (const auto& group : {AgentSteps(), EventSteps(), SystemSteps(), AcpiSteps(), UsbSteps(), UserSteps(),
+                              StateSteps(), PlanSteps(), SoakSteps(), ToastExpectations(), LogExpectations(),
+                              CallExpectations(), FileExpectations(), DeviceExpectations()})
     {
         for (const StepKind& kind : group)
             kinds[kind.m_pName] = kind.m_pfnRead;

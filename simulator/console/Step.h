@@ -29,11 +29,16 @@ struct StepKind
 // The kinds of steps by subject.
 [[nodiscard]] std::vector<StepKind> AgentSteps();
 [[nodiscard]] std::vector<StepKind> EventSteps();
+[[nodiscard]] std::vector<StepKind> SystemSteps();
+[[nodiscard]] std::vector<StepKind> AcpiSteps();
+[[nodiscard]] std::vector<StepKind> UsbSteps();
 [[nodiscard]] std::vector<StepKind> UserSteps();
 [[nodiscard]] std::vector<StepKind> StateSteps();
 [[nodiscard]] std::vector<StepKind> PlanSteps();
+[[nodiscard]] std::vector<StepKind> SoakSteps();
 [[nodiscard]] std::vector<StepKind> ToastExpectations();
 [[nodiscard]] std::vector<StepKind> LogExpectations();
 [[nodiscard]] std::vector<StepKind> CallExpectations();
 [[nodiscard]] std::vector<StepKind> FileExpectations();
+[[nodiscard]] std::vector<StepKind> DeviceExpectations();
 } // namespace Simulator

@@ -37,6 +37,12 @@ HRESULT ReadQuery(const OLECHAR* language, const OLECHAR* text, WmiQuery& query)
     return Status(WBEM_S_NO_ERROR);
 }
 
+// Null for a query that names no event number.
+nlohmann::json EventIdOf(const WmiQuery& query)
+{
+    return query.m_nEventId ? nlohmann::json(*query.m_nEventId) : nlohmann::json();
+}
+
 bool IsEventClass(std::string_view name)
 {
     const nlohmann::json fact = Facts::Instance().Get("/wmi/event-classes");
@@ -69,7 +75,9 @@ HRESULT WbemServicesDouble::CancelAsyncCall(IWbemObjectSink* sink)
     for (WmiSubscription& subscription : cancelled)
     {
         Journal::Instance().Append("wmi", "cancelled",
-                                   {{"namespace", m_strNamespace}, {"class", subscription.m_query.m_strClass}});
+                                   {{"namespace", m_strNamespace},
+                                    {"class", subscription.m_query.m_strClass},
+                                    {"event-id", EventIdOf(subscription.m_query)}});
         TellCancelled(std::move(subscription.m_spSink));
     }
     return Status(WBEM_S_NO_ERROR);
@@ -112,9 +120,7 @@ HRESULT WbemServicesDouble::ExecNotificationQueryAsync(const BSTR language, cons
         return Status(WBEM_E_INVALID_CLASS);
     Journal::Instance().Append(
         "wmi", "subscribed",
-        {{"namespace", m_strNamespace},
-         {"class", parsed.m_strClass},
-         {"event-id", parsed.m_nEventId ? nlohmann::json(*parsed.m_nEventId) : nlohmann::json()}});
+        {{"namespace", m_strNamespace}, {"class", parsed.m_strClass}, {"event-id", EventIdOf(parsed)}});
     WmiSubscriptions::Instance().Add({this, m_strNamespace, std::move(parsed), flags, HoldSink(sink)});
     return Status(WBEM_S_NO_ERROR);
 }

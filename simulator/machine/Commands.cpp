@@ -18,10 +18,17 @@ struct Command
 };
 
 constexpr Command g_commands[] = {
-    {"facts", &SetFacts, false},           {"plan", &PlanCalls, false},
-    {"count-calls", &CountCalls, false},   {"live-objects", &ListLiveObjects, false},
-    {"message", &PostToMainWindow, false}, {"event", &RaiseEvent, true},
-    {"toast", &ActOnToast, true},          {"picture", &TakePicture, true},
+    {"facts", &SetFacts, false},
+    {"plan", &PlanCalls, false},
+    {"count-calls", &CountCalls, false},
+    {"live-objects", &ListLiveObjects, false},
+    {"resources", &CountResources, false},
+    {"message", &PostToMainWindow, false},
+    {"send-message", &SendToMainWindow, true},
+    {"device-change", &SendDeviceChange, true},
+    {"event", &RaiseEvent, true},
+    {"toast", &ActOnToast, true},
+    {"picture", &TakePicture, true},
 };
 
 const Command& Find(std::string_view name)

@@ -55,6 +55,8 @@ void ControlChannel::ReadCommands()
         received.append(part, size);
         for (std::size_t end = received.find('\n'); end != std::string::npos; end = received.find('\n'))
         {
+            // The console has what was journalled; kept here it would grow for as long as the agent runs.
+            Journal::Instance().Clear();
             ExecuteCommand(received.substr(0, end));
             received.erase(0, end + 1);
         }

@@ -60,6 +60,8 @@ void InstallRedirections()
     RedirectAutomationFunctions(redirections);
     RedirectRegistryFunctions(redirections);
     RedirectSystemFunctions(redirections);
+    RedirectDeviceFunctions(redirections);
+    RedirectDeviceNotifications(redirections);
     RedirectLibraryFunctions(redirections);
     RedirectEventLogFunctions(redirections);
     RedirectClockFunctions(redirections);

@@ -73,7 +73,9 @@ private:
         else
         {
             SetLastError(ErrorNumber(hr));
-            if constexpr (Failing == FailsAs::MinusOne)
+            if constexpr (Failing == FailsAs::MinusOne && std::is_pointer_v<Result>)
+                return reinterpret_cast<Result>(~ULONG_PTR{0});
+            else if constexpr (Failing == FailsAs::MinusOne)
                 return static_cast<Result>(-1);
             else
                 return Result{};

@@ -36,6 +36,8 @@ private:
 void RedirectAutomationFunctions(Redirections& redirections);
 void RedirectRegistryFunctions(Redirections& redirections);
 void RedirectSystemFunctions(Redirections& redirections);
+void RedirectDeviceFunctions(Redirections& redirections);
+void RedirectDeviceNotifications(Redirections& redirections);
 void RedirectLibraryFunctions(Redirections& redirections);
 void RedirectEventLogFunctions(Redirections& redirections);
 void RedirectClockFunctions(Redirections& redirections);

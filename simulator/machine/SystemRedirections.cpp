@@ -34,7 +34,8 @@ void RedirectSystemFunctions(Redirections& redirections)
     redirections.AddPlanned<SystemCall<"CreateWindowExW", decltype(CreateWindowExW)>>();
     redirections.AddPlanned<SystemCall<"LoadStringW", decltype(LoadStringW)>>();
     redirections.AddPlanned<SystemCall<"LoadAcceleratorsW", decltype(LoadAcceleratorsW)>>();
-    redirections.AddPlanned<SystemCall<"RegisterDeviceNotificationW", decltype(RegisterDeviceNotificationW)>>();
+    redirections.AddPlanned<SystemCall<"UnregisterDeviceNotification", decltype(UnregisterDeviceNotification)>>();
+    redirections.AddPlanned<SystemCall<"SetForegroundWindow", decltype(SetForegroundWindow)>>();
     redirections.AddPlanned<SystemCall<"WTSRegisterSessionNotification", decltype(WTSRegisterSessionNotification)>>();
 }
 } // namespace Simulator

@@ -4,37 +4,23 @@
 #include "app/system/IconPath.h"
 #include "app/system/ImageState.h"
 #include "app/system/OsVersion.h"
+#include "app/TakeStep.h"
+#include "app/UsbCStartUp.h"
 #include "res/Resource.h"
 #include "shared/FunctionName.h"
 #include "shared/Log.h"
 
-#include <objbase.h>
 #include <windows.h>
 
-namespace
-{
 using Orvik::Shared::Log;
 namespace Level = Orvik::Shared::Level;
 
-// One step of start-up. When memory runs out in it, start-up goes on with the next one.
-template <class Step>
-void TakeStep(const char* functionName, Step step)
-{
-    try
-    {
-        step();
-    }
-    catch (...)
-    {
-        Log(Level::Error, functionName, L"A step of start-up ended with an exception.");
-    }
-}
-} // namespace
-
-// Exit codes: 0 the window could not be created, 1 another copy runs in this session, else the code of WM_QUIT.
+// Exit codes: 0 the window could not be created, 1 another copy runs in this
+// session, else the code of WM_QUIT.
 int APIENTRY wWinMain(HINSTANCE instance, HINSTANCE, LPWSTR, int)
 {
-    // Start-up goes on in spite of the message: administrators search their logs for it.
+    // Start-up goes on in spite of the message: administrators search their logs
+    // for it.
     if (IsImageStillBuilding())
         Log(Level::Verbose, ORVIK_FUNCTION, L"Image still building.  Exit app.");
 
@@ -55,15 +41,14 @@ int APIENTRY wWinMain(HINSTANCE instance, HINSTANCE, LPWSTR, int)
     // Registrations log their own failures; none of them stops start-up.
     TakeStep(ORVIK_FUNCTION, [] { g_pWmiHandler.Create(); });
     auto* const hub = g_pWmiHandler.Get();
+    const std::wstring iconPath = GetDefaultIconPath(L"Orvik.ico", IDI_DEFAULT);
     if (hub != nullptr)
-    {
-        const std::wstring iconPath = GetDefaultIconPath(L"Orvik.ico", IDI_DEFAULT);
         TakeStep(ORVIK_FUNCTION, [&] { static_cast<void>(hub->RegisterSmartAdapterEvent(iconPath)); });
-    }
     // Shows an adapter state that was there before the agent.
     if (IsWindows8OrGreater() && hub != nullptr)
         TakeStep(ORVIK_FUNCTION, [hub] { hub->ProcessSmartAdapterEvent(); });
-    static_cast<void>(CoInitialize(nullptr));
+    CreateNotificationsHandler(ORVIK_FUNCTION, iconPath);
+    StartUsbCEvents(ORVIK_FUNCTION, iconPath);
     if (hub != nullptr)
         TakeStep(ORVIK_FUNCTION, [hub] { static_cast<void>(hub->RegisterGPIOWMIEvent()); });
 

@@ -1,8 +1,15 @@
 #include "app/MainWindow.h"
 
+#include "app/DeviceMessages.h"
+#include "app/MessageLog.h"
+#include "app/PowerMessages.h"
 #include "app/ProcessInstances.h"
+#include "app/SessionMessages.h"
+#include "app/TakeStep.h"
+#include "app/UsbCMessages.h"
 #include "res/Resource.h"
 #include "shared/TraceScope.h"
+#include "usbc/AcpiUsbCMonitor.h"
 
 #include <wtsapi32.h>
 
@@ -16,7 +23,41 @@ void OnDestroy()
     // Both calls are made whether or not the window was registered.
     UnregisterDeviceNotification(g_hUsbDeviceNotification);
     UnregisterDeviceNotification(g_hUsbHubNotification);
+    SignalAcpiMonitorStop();
     PostQuitMessage(0);
+}
+
+// False for a message that is not the agent's.
+bool HandleMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    switch (message)
+    {
+    case WM_CREATE:
+        LogMessage(L"WM_CREATE");
+        return true;
+    case WM_DESTROY:
+        OnDestroy();
+        return true;
+    case WM_POWERBROADCAST:
+        OnPowerBroadcast(hwnd, wParam);
+        return true;
+    case WM_DEVICECHANGE:
+        OnDeviceChange(hwnd, wParam, lParam);
+        return true;
+    case WM_WTSSESSION_CHANGE:
+        OnSessionChange(wParam);
+        return true;
+    case WM_NOTIFY_ACPI_USB_C:
+        OnAcpiUsbCEvent();
+        return true;
+    case WM_COMMAND:
+    case WM_DWMNCRENDERINGCHANGED: // kept from DefWindowProcW on purpose: nothing
+                                   // of the window is ever drawn
+    case WM_APP + 2:
+        return true;
+    default:
+        return false;
+    }
 }
 } // namespace
 
@@ -58,15 +99,8 @@ BOOL InitInstance(HINSTANCE instance)
 
 LRESULT CALLBACK WndProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    switch (message)
-    {
-    case WM_CREATE:
-        Log(Level::Verbose, ORVIK_FUNCTION, L"WM_CREATE");
-        return 0;
-    case WM_DESTROY:
-        OnDestroy();
-        return 0;
-    default:
-        return DefWindowProcW(hwnd, message, wParam, lParam);
-    }
+    // A message in which memory runs out counts as handled.
+    bool isHandled = true;
+    TakeStep(ORVIK_FUNCTION, [&] { isHandled = HandleMessage(hwnd, message, wParam, lParam); });
+    return isHandled ? 0 : DefWindowProcW(hwnd, message, wParam, lParam);
 }

@@ -22,13 +22,17 @@ inline constexpr CLSID CLSID_PlixCommand = {
     0xCA490AE1, 0x8C69, 0x45D5, {0x95, 0x33, 0xD4, 0x69, 0x27, 0x26, 0xF2, 0xFB}};
 
 // A new command object, one for each command, on a thread that has initialised COM. What the slot held is released
-// first; on failure the slot is null. Success with a null slot is possible: callers treat it like a failure.
+// first; on failure the slot is null. Success with a null slot is possible: callers end there with that code.
 [[nodiscard]] HRESULT CreatePlixCommand(IPlixCommandPtr& spCommand);
 
 // Runs a command without input and gives its output, of whatever type the library chose. result: where the library's
 // success code goes, or null; left alone by what raises. Raises _com_error: E_OUTOFMEMORY when the name cannot be
 // allocated, E_POINTER for a null command, else the library's own failure.
 [[nodiscard]] _variant_t ExecutePlixCommand(IPlixCommand* command, const wchar_t* name, HRESULT* result = nullptr);
+
+// The same with one input value, which the library gets by value: it stays the caller's.
+[[nodiscard]] _variant_t ExecutePlixCommandWithInput(IPlixCommand* command, const wchar_t* name, const VARIANT& input,
+                                                     HRESULT* result = nullptr);
 
 // Logs what a command raised, under the caller's name, and gives its code for the caller to return. Only a failure with
 // exactly g_hrInvalidCommand is an invalid command; both formats take the code.

@@ -1,14 +1,24 @@
 #include "platform/XmlDocument.h"
 
 #include "platform/RequireObject.h"
+#include "shared/FunctionName.h"
+#include "shared/Log.h"
 #include "shared/OwnerTypes.h"
+
+#include <string_view>
 
 using Orvik::Shared::ReceiveInto;
 
 namespace
 {
 constexpr CLSID g_domDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
+
+// Anywhere, in a comment too: no sound text holds it.
+bool HasDocumentType(BSTR text)
+{
+    return std::wstring_view(text, SysStringLen(text)).find(L"<!DOCTYPE") != std::wstring_view::npos;
 }
+} // namespace
 
 HRESULT XmlDocument::Load(BSTR text)
 {
@@ -48,6 +58,13 @@ HRESULT XmlDocument::Configure()
 
 HRESULT XmlDocument::Parse(BSTR text)
 {
+    if (HasDocumentType(text))
+    {
+        // A parser that allows declarations expands their entities without bound.
+        Orvik::Shared::Log(Orvik::Shared::Level::Information, ORVIK_FUNCTION,
+                           L"The text declares a document type, it is not parsed.");
+        return E_FAIL;
+    }
     VARIANT_BOOL parsed = VARIANT_FALSE;
     const HRESULT hr = m_spDocument->loadXML(text, &parsed);
     if (FAILED(hr))

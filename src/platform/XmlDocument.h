@@ -18,8 +18,9 @@ public:
     XmlDocument& operator=(const XmlDocument&) = delete;
 
     // S_OK, E_FAIL for a text that does not parse (the document is held and has no root then), otherwise the code of
-    // the call that failed; REGDB_E_CLASSNOTREG where MSXML is missing, E_POINTER where it gives no document. A
-    // document loaded before is given back first.
+    // the call that failed; REGDB_E_CLASSNOTREG where MSXML is missing, E_POINTER where it gives no document. A text
+    // that declares a document type counts as one that does not parse: it is logged and no parser sees it. A document
+    // loaded before is given back first.
     [[nodiscard]] HRESULT Load(BSTR text);
 
     // Null when no document could be created; a document that refused a setting is held all the same, and not ready.

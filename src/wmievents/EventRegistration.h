@@ -1,6 +1,6 @@
 #pragma once
 
-#include "wmievents/PlatformCommand.h"
+#include "platform/PlatformCommand.h"
 #include "wmievents/PublicWmiEvent.h"
 #include "wmievents/WmiEvent.h"
 

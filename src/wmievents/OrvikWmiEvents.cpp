@@ -34,6 +34,7 @@ COrvikWmiEvents::~COrvikWmiEvents()
 {
     TraceScope trace(ORVIK_FUNCTION);
     UnregisterExisting(m_pSmartAdapterEvent);
+    UnregisterExisting(m_pUSBCEvent);
     UnregisterExisting(m_pPublicEvent);
     CoUninitialize();
     DeleteCriticalSection(&g_csLogging);

@@ -55,6 +55,7 @@ protected:
             EXPECT_THAT(LogLines(operation), Contains(AnyOf(StartsWith(L"Information|Create Plix instance cmd failed."),
                                                             StartsWith(L"Information|Invalid Command "),
                                                             StartsWith(L"Information|Exception occurred when calling "),
+                                                            StartsWith(L"Information|Failed to register for "),
                                                             StartsWith(L"Verbose|Failed to register for "))));
         };
         m_sweep.m_checkSuccess = [&]
@@ -83,6 +84,8 @@ protected:
             EXPECT_THAT(TestSupport::LogLines(),
                         Contains(AnyOf(HasSubstr(L"|Create Plix instance cmd failed."), HasSubstr(L"|Invalid Command "),
                                        HasSubstr(L"|Exception "), HasSubstr(L"|Failed to CreateInstance of "),
+                                       HasSubstr(L"|xml.GetDocument() failed"),
+                                       HasSubstr(L"|pIPlixNotification.CreateInstance of "),
                                        StartsWith(L"TraceOut|DesktopToast::DisplayToast|hr: 0x8"))));
         };
         m_sweep.m_checkSuccess = [&] { EXPECT_EQ(Toasts().size(), 1u); };
@@ -128,4 +131,26 @@ TEST_F(HubSweep, ProcessWMIEvent_EachCallFails_LetsNothingOutAndLeavesNothing)
     const auto reached = SweepHandler([&](auto& hub) { hub.ProcessWMIEvent(eventClass, &description); });
     EXPECT_THAT(reached, IsSupersetOf({"OleRun", "SysAllocString", "IPlixCommand::Execute", "RoGetActivationFactory",
                                        "IToastNotifier::Show"}));
+}
+
+TEST_F(HubSweep, RegisterUSBCWMIEvent_EachCallFails_LetsNothingOutAndLeavesNothing)
+{
+    const auto reached =
+        SweepRegistration("RegisterUSBCWMIEvent", [](auto& hub) { return hub.RegisterUSBCWMIEvent(L"C:\\Orvik.ico"); },
+                          {.m_strClass = "orvikBEvnt", .m_lstObjects = {{{"EventID", 131073}, {"EventData", 2}}}});
+    EXPECT_THAT(reached, IsSupersetOf({"OleRun", "SysAllocString", "IWbemLocator::ConnectServer",
+                                       "IWbemServices::ExecNotificationQueryAsync"}));
+}
+
+TEST_F(HubSweep, ProcessUSBCWMIEvent_EachCallFails_LetsNothingOutAndLeavesNothing)
+{
+    Answer("Platform.MachineID", {{"bstr", "1234"}});
+    Answer("Platform.USBC.Supported", {{"bool", true}});
+    Answer("Platform.USBC.Messages", {{"bstr", "<GetUsbCMessagesOutput><Output><Data NumberOfPorts=\"1\"><Port0 "
+                                               "NumberOfMessages=\"1\"><Message0 MessageId=\"2\"/></Port0></Data>"
+                                               "</Output></GetUsbCMessagesOutput>"}});
+    _variant_t port(BYTE{2});
+    const auto reached = SweepHandler([&](auto& hub) { EXPECT_EQ(hub.ProcessUSBCWMIEvent(131073, &port), S_OK); });
+    EXPECT_THAT(reached, IsSupersetOf({"OleRun", "SysAllocString", "IPlixCommand::Execute",
+                                       "IPlixCommand::ExecuteWithInput", "CLSIDFromProgID", "IToastNotifier::Show"}));
 }

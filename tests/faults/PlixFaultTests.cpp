@@ -1,10 +1,10 @@
+#include "platform/PlatformCommand.h"
 #include "platform/PlixCommand.h"
 #include "platform/PlixNotification.h"
 #include "simulator/doubles/ComRedirections.h"
 #include "simulator/model/Facts.h"
 #include "tests/faults/FaultSweep.h"
 #include "tests/support/LogCapture.h"
-#include "wmievents/PlatformCommand.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,8 +12,6 @@
 #include <algorithm>
 #include <cwchar>
 
-using Notifications::OrvikWmiEvents::CreateCommand;
-using Notifications::OrvikWmiEvents::SendCommand;
 using Orvik::Shared::TraceScope;
 using Simulator::Facts;
 using testing::Contains;

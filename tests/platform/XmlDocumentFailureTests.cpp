@@ -148,6 +148,15 @@ TEST_F(XmlDocumentFailureTest, Load_Always_ConfiguresThenParsesThenReadsBack)
     EXPECT_STREQ(m_document.Text(), L"<written-back/>");
 }
 
+TEST_F(XmlDocumentFailureTest, Load_DocumentType_IsNeverGivenToTheParser)
+{
+    EXPECT_EQ(m_document.Load(_bstr_t(L"<!DOCTYPE a [<!ENTITY e \"1\">]><a>&e;</a>")), E_FAIL);
+    EXPECT_THAT(g_observed.m_lstCalls,
+                testing::ElementsAre("put_async false", "put_validateOnParse false", "put_resolveExternals false",
+                                     "put_preserveWhiteSpace true", "get_xml"));
+    EXPECT_TRUE(m_document.IsReady());
+}
+
 TEST_F(XmlDocumentFailureTest, Load_SettingRefused_StopsThereAndDoesNotParse)
 {
     const std::vector<std::string> settings = {"put_async false", "put_validateOnParse false",

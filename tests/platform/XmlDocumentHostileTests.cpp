@@ -37,6 +37,7 @@ TEST_F(XmlDocumentHostileTest, Load_TwentyMegabytes_AreRead)
     EXPECT_GE(SysStringLen(m_document.Text()), text.size());
 }
 
+// No parser sees this text and the next one: they prove that nothing before it expands or fetches either.
 TEST_F(XmlDocumentHostileTest, Load_EntityBomb_DoesNotFillMemory)
 {
     std::wstring text = L"<!DOCTYPE b [<!ENTITY e0 \"ha\">";
@@ -64,17 +65,11 @@ TEST_F(XmlDocumentHostileTest, Load_ExternalEntity_IsNotFetched)
     std::fclose(file);
 
     const std::wstring text = L"<!DOCTYPE a [<!ENTITY x SYSTEM \"" + path + L"\">]><a>&x;</a>";
-    EXPECT_EQ(m_document.Load(_bstr_t(text.c_str())), S_OK);
-    ASSERT_NE(m_document.Text(), nullptr);
-    EXPECT_EQ(std::wstring(m_document.Text()).find(L"stolen"), std::wstring::npos);
+    EXPECT_EQ(m_document.Load(_bstr_t(text.c_str())), E_FAIL);
+    EXPECT_EQ(SysStringLen(m_document.Text()), 0u);
     IXMLDOMElement* root = nullptr;
-    if (m_document.GetDocument()->get_documentElement(&root) == S_OK && root != nullptr)
-    {
-        _bstr_t content;
-        root->get_text(content.GetAddress());
-        EXPECT_EQ(std::wstring(content.length() != 0 ? content : _bstr_t(L"")).find(L"stolen"), std::wstring::npos);
-        root->Release();
-    }
+    EXPECT_EQ(m_document.GetDocument()->get_documentElement(&root), S_FALSE);
+    EXPECT_EQ(root, nullptr);
     DeleteFileW(path.c_str());
 }
 

@@ -2,10 +2,12 @@
 
 #include "platform/ComApartment.h"
 #include "tests/support/BstrLedger.h"
+#include "tests/support/LogCapture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <string>
 #include <type_traits>
 
@@ -97,6 +99,36 @@ TEST_F(XmlDocumentTest, Load_TextThatDoesNotParse_FailsAndHoldsDocumentWithoutRo
         ASSERT_NE(m_document.GetDocument(), nullptr) << text;
         EXPECT_EQ(RootOf(m_document), nullptr) << text;
     }
+}
+
+TEST_F(XmlDocumentTest, Load_DocumentType_IsATextThatDoesNotParseAndIsLogged)
+{
+    for (const wchar_t* text :
+         {L"<!DOCTYPE a><a/>", L"<?xml version=\"1.0\"?>\n<!DOCTYPE a [<!ENTITY e \"1\">]><a>&e;</a>",
+          L"<!-- c --><!DOCTYPE a SYSTEM 'a.dtd'><a/>", L"<a><!-- <!DOCTYPE a> --></a>",
+          L"<a><![CDATA[<!DOCTYPE]]></a>"})
+    {
+        ASSERT_EQ(Load(L"<first/>"), S_OK);
+        TestSupport::ClearLog();
+        EXPECT_EQ(Load(text), E_FAIL) << text;
+        EXPECT_TRUE(m_document.IsReady()) << text;
+        ASSERT_NE(m_document.GetDocument(), nullptr) << text;
+        EXPECT_EQ(RootOf(m_document), nullptr) << text;
+        EXPECT_EQ(SysStringLen(m_document.Text()), 0u) << text;
+        EXPECT_THAT(TestSupport::LogLines(),
+                    testing::ElementsAre(
+                        L"Information|XmlDocument::Parse|The text declares a document type, it is not parsed."));
+    }
+    ASSERT_EQ(Load(L"<a>whole</a>"), S_OK);
+    EXPECT_EQ(NodeText(L"/a"), L"whole");
+}
+
+// Behind a zero too, where a parser that reads a length would find it.
+TEST_F(XmlDocumentTest, Load_DocumentTypeBehindAZero_IsFound)
+{
+    constexpr wchar_t text[] = L"<a/>\0<!DOCTYPE a>";
+    EXPECT_EQ(m_document.Load(_bstr_t(SysAllocStringLen(text, std::size(text) - 1), false)), E_FAIL);
+    EXPECT_EQ(TestSupport::LogLines().size(), 1u);
 }
 
 TEST_F(XmlDocumentTest, Load_TextThatDoesNotParse_ForgetsEarlierText)

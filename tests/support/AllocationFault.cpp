@@ -23,6 +23,16 @@ AllocationFault::~AllocationFault()
     g_remaining = 0;
 }
 
+AllocationFault::Pause::Pause() : m_nRemaining(g_remaining)
+{
+    g_remaining = 0;
+}
+
+AllocationFault::Pause::~Pause()
+{
+    g_remaining = m_nRemaining;
+}
+
 bool AllocationFault::HasBitten()
 {
     return g_remaining == 0;

@@ -13,6 +13,19 @@ public:
     AllocationFault& operator=(const AllocationFault&) = delete;
     ~AllocationFault();
 
+    // While one exists no allocation of its thread counts or fails: for a test's own book-keeping in between.
+    class Pause
+    {
+    public:
+        Pause();
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+        ~Pause();
+
+    private:
+        std::size_t m_nRemaining;
+    };
+
     [[nodiscard]] static bool HasBitten();
     // Allocations of this thread so far.
     [[nodiscard]] static std::size_t Count();

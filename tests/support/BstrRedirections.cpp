@@ -1,5 +1,7 @@
 #include "tests/support/BstrRedirections.h"
 
+#include "tests/support/AllocationFault.h"
+
 namespace TestSupport
 {
 namespace
@@ -34,6 +36,7 @@ const RealFunctions& RealOnes()
 
 BSTR Enter(BSTR text)
 {
+    const AllocationFault::Pause pause;
     BstrAccount& account = BstrAccount::Instance();
     const std::lock_guard lock(account.m_lock);
     if (text != nullptr && account.m_setLive.insert(text).second)

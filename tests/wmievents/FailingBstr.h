@@ -19,6 +19,8 @@ public:
     FailingBstr(const FailingBstr&) = delete;
     FailingBstr& operator=(const FailingBstr&) = delete;
 
+    [[nodiscard]] static bool HasBitten() { return s_nRemaining == 0; }
+
 private:
     static BSTR WINAPI Refusing(const OLECHAR* text);
 

@@ -1,4 +1,4 @@
-#include "wmievents/PlatformCommand.h"
+#include "platform/PlatformCommand.h"
 
 #include "shared/LogLevel.h"
 #include "simulator/doubles/JsonVariant.h"
@@ -10,7 +10,6 @@
 
 #include <gmock/gmock.h>
 
-using namespace Notifications::OrvikWmiEvents;
 using Orvik::Shared::TraceScope;
 using testing::ElementsAre;
 using TestSupport::Logged;

@@ -129,6 +129,36 @@ TEST_F(MainWindowTest, WndProc_Destroy_DeviceHandleThenHubHandle)
     g_hUsbHubNotification = nullptr;
 }
 
+TEST_F(MainWindowTest, WndProc_Destroy_EndsTheMonitorAfterTheNotificationsAndBeforeTheLoop)
+{
+    ASSERT_TRUE(g_acpiStopEvent.Create());
+    m_calls.m_hWatched = g_acpiStopEvent.Get();
+    EXPECT_EQ(WndProc(m_calls.m_hwndCreated, WM_DESTROY, 0, 0), 0);
+    EXPECT_THAT(m_calls.m_lstCalls,
+                ElementsAre("UnregisterDeviceNotification", "UnregisterDeviceNotification", "PostQuitMessage"));
+    EXPECT_THAT(m_calls.m_lstWasSignalled, ElementsAre(false, false, true));
+    EXPECT_EQ(WaitForSingleObject(g_acpiStopEvent.Get(), 0), WAIT_OBJECT_0);
+    EXPECT_EQ(m_calls.m_nQuitCode, 0);
+    g_acpiStopEvent.Close();
+}
+
+TEST_F(MainWindowTest, WndProc_Ignored_AreAnsweredWithoutAnything)
+{
+    m_calls.m_lrDefault = 7;
+    for (const UINT message : {0x0111u, 0x031Fu, 0x8002u})
+        EXPECT_EQ(WndProc(m_calls.m_hwndCreated, message, 5, 6), 0);
+    EXPECT_THAT(m_calls.m_lstCalls, IsEmpty());
+    EXPECT_TRUE(TestSupport::NothingLogged());
+}
+
+TEST_F(MainWindowTest, WndProc_Neighbours_AreHandedOn)
+{
+    m_calls.m_lrDefault = 7;
+    for (const UINT message : {0x0003u, 0x0110u, 0x0112u, 0x0217u, 0x021Au, 0x02B0u, 0x02B2u, 0x031Eu, 0x0320u, 0x04FDu,
+                               0x04FFu, 0x8001u, 0x8003u})
+        EXPECT_EQ(WndProc(m_calls.m_hwndCreated, message, 5, 6), 7);
+}
+
 TEST_F(MainWindowTest, WndProc_AnyOther_IsHandedOn)
 {
     m_calls.m_lrDefault = 42;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -41,6 +42,19 @@ TEST(ProcessInstance, Create_DestroysTheOldObjectBeforeItMakesTheNew)
     EXPECT_EQ(instance.Get(), nullptr);
     instance.Destroy();
     EXPECT_THAT(g_lstLife, ElementsAre("+first", "-first", "+second", "-second"));
+}
+
+TEST(ProcessInstance, Keep_HasTheGivenObjectInPlaceOfTheOld)
+{
+    ProcessInstance<Traced> instance;
+    g_lstLife.clear();
+    Traced& first = instance.Keep(std::make_unique<Traced>("first"));
+    EXPECT_EQ(instance.Get(), &first);
+    Traced& second = instance.Keep(std::make_unique<Traced>("second"));
+    EXPECT_EQ(instance.Get(), &second);
+    EXPECT_THAT(g_lstLife, ElementsAre("+first", "+second", "-first"));
+    instance.Destroy();
+    EXPECT_THAT(g_lstLife, ElementsAre("+first", "+second", "-first", "-second"));
 }
 
 TEST(ProcessInstance, EndOfScope_LeavesTheObject)

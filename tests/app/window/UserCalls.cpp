@@ -15,6 +15,14 @@ UserCalls* g_pCalls = nullptr;
 UserCalls& Note(const char* name)
 {
     g_pCalls->m_lstCalls.emplace_back(name);
+    if (const HANDLE watched = g_pCalls->m_hWatched; watched != nullptr)
+    {
+        const bool isSignalled = WaitForSingleObject(watched, 0) == WAIT_OBJECT_0;
+        g_pCalls->m_lstWasSignalled.push_back(isSignalled);
+        // The wait took the signal.
+        if (isSignalled)
+            SetEvent(watched);
+    }
     return *g_pCalls;
 }
 

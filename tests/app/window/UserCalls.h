@@ -20,6 +20,9 @@ public:
 
     // Names of the calls, in order.
     std::vector<std::string> m_lstCalls;
+    // Whether this event was signalled when each of them was made; nothing without an event.
+    HANDLE m_hWatched = nullptr;
+    std::vector<bool> m_lstWasSignalled;
 
     WNDCLASSEXW m_class{};
     std::wstring m_strClass; // of RegisterClassExW

@@ -1,11 +1,9 @@
-#include "wmievents/PlatformCommand.h"
+#include "platform/PlatformCommand.h"
 
 using Orvik::Shared::Log;
 using Orvik::Shared::TraceScope;
 namespace Level = Orvik::Shared::Level;
 
-namespace Notifications::OrvikWmiEvents
-{
 HRESULT CreateCommand(const TraceScope& trace, IPlixCommandPtr& spCommand)
 {
     const HRESULT hr = CreatePlixCommand(spCommand);
@@ -26,4 +24,3 @@ bool IsTrue(const VARIANT& answer)
 {
     return answer.vt == VT_BOOL && answer.boolVal == VARIANT_TRUE;
 }
-} // namespace Notifications::OrvikWmiEvents

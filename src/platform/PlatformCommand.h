@@ -3,10 +3,8 @@
 #include "platform/PlixCommand.h"
 #include "shared/TraceScope.h"
 
-namespace Notifications::OrvikWmiEvents
-{
-// A command object for one operation of the hub. Failure, also success without an object, is logged under the
-// operation's name; the slot is null then.
+// A command object for one operation. Failure, also success without an object, is logged under the operation's name;
+// the slot is null then.
 [[nodiscard]] HRESULT CreateCommand(const Orvik::Shared::TraceScope& trace, IPlixCommandPtr& spCommand);
 
 // Sends a command, with a trace record before it and, when it succeeded, one after it under the operation's name.
@@ -16,4 +14,3 @@ namespace Notifications::OrvikWmiEvents
 
 // Whether a command answered the boolean true; any other type is no.
 [[nodiscard]] bool IsTrue(const VARIANT& answer);
-} // namespace Notifications::OrvikWmiEvents
