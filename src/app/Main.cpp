@@ -15,12 +15,10 @@
 using Orvik::Shared::Log;
 namespace Level = Orvik::Shared::Level;
 
-// Exit codes: 0 the window could not be created, 1 another copy runs in this
-// session, else the code of WM_QUIT.
+// Exit codes: 0 the window could not be created, 1 another copy runs in this session, else the code of WM_QUIT.
 int APIENTRY wWinMain(HINSTANCE instance, HINSTANCE, LPWSTR, int)
 {
-    // Start-up goes on in spite of the message: administrators search their logs
-    // for it.
+    // Start-up goes on in spite of the message: administrators search their logs for it.
     if (IsImageStillBuilding())
         Log(Level::Verbose, ORVIK_FUNCTION, L"Image still building.  Exit app.");
 

@@ -51,8 +51,8 @@ bool HandleMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam)
         OnAcpiUsbCEvent();
         return true;
     case WM_COMMAND:
-    case WM_DWMNCRENDERINGCHANGED: // kept from DefWindowProcW on purpose: nothing
-                                   // of the window is ever drawn
+    // Kept from DefWindowProcW on purpose: nothing of the window is ever drawn.
+    case WM_DWMNCRENDERINGCHANGED:
     case WM_APP + 2:
         return true;
     default:

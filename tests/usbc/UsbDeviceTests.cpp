@@ -70,9 +70,8 @@ TEST_F(UsbDevice, Calls_ComeInOrder)
 TEST_F(UsbDevice, Calls_HaveTheirParameters)
 {
     Arrive(ArrivedName);
-    const auto set = [](const char* interfaceClass, unsigned flags) {
-        return json({{"class", interfaceClass}, {"enumerator", false}, {"window", false}, {"flags", flags}});
-    };
+    const auto set = [](const char* interfaceClass, unsigned flags)
+    { return json({{"class", interfaceClass}, {"enumerator", false}, {"window", false}, {"flags", flags}}); };
     EXPECT_EQ(Details("SetupDiGetClassDevsW", 1), set("{A5DCBF10-6530-11D2-901F-00C04FB951ED}", 0x14));
     EXPECT_EQ(Details("SetupDiGetClassDevsW", 2), set("{F18A0E88-C30C-11D0-8815-00A0C906BED8}", 0x12));
     EXPECT_EQ(Details("SetupDiGetClassDevsW", 3), set("none", 0x6));

@@ -184,9 +184,8 @@ TEST_F(UsbCStartUpTest, WmiMachineBeforeWindows10_RegistersDevicesThenHubs)
     Start("8A11", true);
     EXPECT_THAT(DoneCalls(), ElementsAre("Platform.USBC.Messages 255", "RegisterDeviceNotificationW",
                                          "RegisterDeviceNotificationW"));
-    const auto wanted = [](const char* interfaceClass) {
-        return nlohmann::json{{"class", interfaceClass}, {"size", 32}, {"type", 5}, {"flags", 0}};
-    };
+    const auto wanted = [](const char* interfaceClass)
+    { return nlohmann::json{{"class", interfaceClass}, {"size", 32}, {"type", 5}, {"flags", 0}}; };
     EXPECT_EQ(Details("RegisterDeviceNotificationW", 1), wanted("{A5DCBF10-6530-11D2-901F-00C04FB951ED}"));
     EXPECT_EQ(Details("RegisterDeviceNotificationW", 2), wanted("{F18A0E88-C30C-11D0-8815-00A0C906BED8}"));
     EXPECT_THAT(m_system.m_lstRecipients, ElementsAre(m_hwnd, m_hwnd));
