@@ -62,7 +62,7 @@ class Tree:
         tree = cls(Path(root))
         for folder, folders, names in os.walk(tree.root):
             folders[:] = sorted(name for name in folders if name not in _NEVER_LOOKED_AT)
-            for name in sorted(names):
+            for name in sorted(set(names) - _NEVER_LOOKED_AT):
                 path = Path(folder, name)
                 tree._take(path.relative_to(tree.root).as_posix(), path)
         return tree
