@@ -9,7 +9,7 @@ namespace Simulator
 {
 AgentSession::AgentSession(EntryLog& entries, const Options& options, const nlohmann::json& facts,
                            EnvironmentChanges environment)
-    : m_entries(entries), m_nFirstEntry(entries.Size()), m_channel(entries)
+    : m_entries(entries), m_channel(entries)
 {
     const std::filesystem::path factsFile = options.m_out / "facts.json";
     if (!(std::ofstream(factsFile, std::ios::binary) << facts.dump(2)))
@@ -27,6 +27,8 @@ AgentSession::AgentSession(EntryLog& entries, const Options& options, const nloh
 int AgentSession::Send(nlohmann::json command)
 {
     command["id"] = ++m_nLastId;
+    // Before it is sent: the answer, or the agent's end, comes after this entry.
+    m_mapSent[m_nLastId] = m_entries.Size();
     if (!m_channel.Send(command))
         throw StepFailure("the agent is not running any more");
     return m_nLastId;
@@ -52,7 +54,9 @@ std::optional<nlohmann::json> AgentSession::AnswerOrEnd(int id, std::chrono::mil
         return entry.m_nAgent == m_channel.Number() && entry.m_strKind == "machine" && entry.m_strSubject == "answer" &&
                entry.m_details.value("id", 0) == id;
     };
-    const auto entry = m_entries.WaitFor(m_nFirstEntry, limit, [&](const Entry& candidate)
+    const std::size_t first = m_mapSent.at(id);
+    m_mapSent.erase(id);
+    const auto entry = m_entries.WaitFor(first, limit, [&](const Entry& candidate)
                                          { return isAnswer(candidate) || IsOwn(candidate, "ended"); });
     if (!entry)
         throw StepFailure("the agent did not return within " + std::to_string(limit.count()) + " ms");

@@ -4,6 +4,8 @@
 #include "simulator/console/ChannelServer.h"
 #include "simulator/console/Options.h"
 
+#include <map>
+
 namespace Simulator
 {
 // One running agent and the line to the machine inside it.
@@ -16,8 +18,8 @@ public:
 
     // Sends a command and returns its number; Answer gives what the machine answered to it.
     int Send(nlohmann::json command);
-    // Waits for the answer. Throws StepFailure when none comes in time, when the agent ends meanwhile, or when the
-    // machine could not do it.
+    // Waits for the answer, once for each number. Throws StepFailure when none comes in time, when the agent ends
+    // meanwhile, or when the machine could not do it.
     nlohmann::json Answer(int id, std::chrono::milliseconds limit);
     // The same for a command that may end the agent: nothing when it has ended before it answered.
     std::optional<nlohmann::json> AnswerOrEnd(int id, std::chrono::milliseconds limit);
@@ -28,9 +30,9 @@ public:
 
 private:
     EntryLog& m_entries;
-    std::size_t m_nFirstEntry;
     ChannelServer m_channel;
     std::unique_ptr<AgentProcess> m_pProcess; // ends before the channel that reads from it
     int m_nLastId = 0;
+    std::map<int, std::size_t> m_mapSent; // first entry that may answer a command, by the command's number
 };
 } // namespace Simulator

@@ -48,7 +48,8 @@ bool ChannelServer::Send(const nlohmann::json& command)
 {
     const std::string text = command.dump() + '\n';
     DWORD written = 0;
-    return WriteFile(m_hCommands.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr) != FALSE;
+    return !m_bEnded &&
+           WriteFile(m_hCommands.get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr) != FALSE;
 }
 
 void ChannelServer::Read()
@@ -67,6 +68,7 @@ void ChannelServer::Read()
         }
         received.erase(0, begin);
     }
+    m_bEnded = true;
     m_entries.Append(m_nNumber, "agent", "ended");
 }
 

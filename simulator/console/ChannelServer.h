@@ -3,6 +3,7 @@
 #include "shared/OwnerTypes.h"
 #include "simulator/console/EntryLog.h"
 
+#include <atomic>
 #include <string>
 #include <thread>
 
@@ -23,7 +24,7 @@ public:
     [[nodiscard]] const std::wstring& Name() const noexcept { return m_strName; }
     // Begins to read; to be called when the agent has opened its ends.
     void Listen();
-    // False when the agent is gone.
+    // False when the agent is gone; its entry "ended" has not yet been appended when this was true.
     bool Send(const nlohmann::json& command);
 
 private:
@@ -35,6 +36,7 @@ private:
     std::wstring m_strName;
     Orvik::Shared::UniqueHandle m_hCommands;
     Orvik::Shared::UniqueHandle m_hJournal;
+    std::atomic<bool> m_bEnded = false;
     std::thread m_reader;
 };
 } // namespace Simulator

@@ -9,7 +9,27 @@ void EntryLog::Append(unsigned agent, std::string kind, std::string subject, nlo
     m_lstEntries.push_back(
         {m_lstEntries.size(), agent, since.count(), std::move(kind), std::move(subject), std::move(details)});
     m_listener(m_lstEntries.back());
-    m_arrived.notify_all();
+    ShowToWaiters(m_lstEntries.back());
+}
+
+void EntryLog::ShowToWaiters(const Entry& entry)
+{
+    for (Waiter* waiter : m_lstWaiters)
+    {
+        if (waiter->m_found)
+            continue;
+        try
+        {
+            if (!waiter->m_test(entry))
+                continue;
+        }
+        catch (...)
+        {
+            waiter->m_failure = std::current_exception();
+        }
+        waiter->m_found = entry.m_nIndex;
+        m_arrived.notify_all();
+    }
 }
 
 std::size_t EntryLog::Size() const
@@ -30,12 +50,17 @@ std::optional<Entry> EntryLog::WaitFor(std::size_t first, std::chrono::milliseco
 {
     const Clock::time_point end = Clock::now() + limit;
     std::unique_lock lock(m_lock);
-    for (std::size_t next = first;; ++next)
+    for (std::size_t i = first; i < m_lstEntries.size(); ++i)
     {
-        if (!m_arrived.wait_until(lock, end, [&] { return next < m_lstEntries.size(); }))
-            return std::nullopt;
-        if (test(m_lstEntries[next]))
-            return m_lstEntries[next];
+        if (test(m_lstEntries[i]))
+            return m_lstEntries[i];
     }
+    Waiter waiter{test, std::nullopt, nullptr};
+    m_lstWaiters.push_back(&waiter);
+    m_arrived.wait_until(lock, end, [&] { return waiter.m_found.has_value(); });
+    std::erase(m_lstWaiters, &waiter);
+    if (waiter.m_failure)
+        std::rethrow_exception(waiter.m_failure);
+    return waiter.m_found ? std::optional(m_lstEntries[*waiter.m_found]) : std::nullopt;
 }
 } // namespace Simulator

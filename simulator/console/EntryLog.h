@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <exception>
 #include <functional>
 #include <mutex>
 #include <nlohmann/json.hpp>
@@ -25,6 +26,8 @@ struct Entry
 using EntryTest = std::function<bool(const Entry&)>;
 
 // Everything that happened in one scenario, in order of arrival. Any thread; tests and the listener must not call back.
+// A test of WaitFor sees later entries on the thread that appends them: whoever waits is woken once, by what it waits
+// for.
 class EntryLog
 {
 public:
@@ -43,8 +46,18 @@ public:
                                                const EntryTest& test);
 
 private:
+    struct Waiter
+    {
+        const EntryTest& m_test;
+        std::optional<std::size_t> m_found;
+        std::exception_ptr m_failure;
+    };
+
+    void ShowToWaiters(const Entry& entry);
+
     mutable std::mutex m_lock;
     std::condition_variable m_arrived;
+    std::vector<Waiter*> m_lstWaiters;
     std::vector<Entry> m_lstEntries;
     std::function<void(const Entry&)> m_listener;
     Clock::time_point m_begin = Clock::now();

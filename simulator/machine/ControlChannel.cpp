@@ -2,8 +2,10 @@
 
 #include "simulator/machine/Commands.h"
 #include "simulator/machine/Protocol.h"
+#include "simulator/model/Facts.h"
 #include "simulator/model/Journal.h"
 
+#include <set>
 #include <thread>
 
 namespace Simulator
@@ -20,6 +22,13 @@ nlohmann::json ToJson(const JournalEntry& entry)
     return {{"sequence", entry.m_nSequence}, {"microseconds", entry.m_nMicroseconds}, {"thread", entry.m_dwThreadId},
             {"kind", entry.m_strKind},       {"subject", entry.m_strSubject},         {"details", entry.m_details}};
 }
+
+// Fact /journal/leaves-out: kinds of entries that the console is not to hear of, from the start on.
+std::set<std::string> KindsLeftOut()
+{
+    const nlohmann::json kinds = Facts::Instance().Get("/journal/leaves-out");
+    return kinds.is_array() ? kinds.get<std::set<std::string>>() : std::set<std::string>();
+}
 } // namespace
 
 bool ControlChannel::Open(const std::wstring& channel)
@@ -31,7 +40,12 @@ bool ControlChannel::Open(const std::wstring& channel)
 
     // Never freed: journal entries are written until the process is gone.
     auto* opened = new ControlChannel(commands, journal);
-    Journal::Instance().SetSink([opened](const JournalEntry& entry) { opened->WriteLine(ToJson(entry)); });
+    Journal::Instance().SetSink(
+        [opened, leftOut = KindsLeftOut()](const JournalEntry& entry)
+        {
+            if (!leftOut.contains(entry.m_strKind))
+                opened->WriteLine(ToJson(entry));
+        });
     std::thread([opened] { opened->ReadCommands(); }).detach();
     return true;
 }

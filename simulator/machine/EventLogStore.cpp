@@ -3,7 +3,6 @@
 #include "simulator/model/Journal.h"
 
 #include <ctime>
-#include <fstream>
 
 namespace Simulator
 {
@@ -60,16 +59,17 @@ void EventLogStore::Open(const std::filesystem::path& folder)
     const std::lock_guard lock(m_lock);
     std::error_code ignored;
     std::filesystem::create_directories(folder, ignored);
-    m_file = folder / "event-log.jsonl";
-    m_nLastRecord = CountLines(m_file);
+    const std::filesystem::path file = folder / "event-log.jsonl";
+    m_nLastRecord = CountLines(file);
+    m_file.open(file, std::ios::app | std::ios::binary);
 }
 
 void EventLogStore::Append(const EventLogRecord& record)
 {
     const std::lock_guard lock(m_lock);
     const nlohmann::json entry = ToJson(record, ++m_nLastRecord);
-    if (!m_file.empty())
-        std::ofstream(m_file, std::ios::app | std::ios::binary) << entry.dump() << '\n';
+    if (m_file.is_open())
+        m_file << entry.dump() << '\n' << std::flush;
     Journal::Instance().Append("event-log", record.m_strSource, entry);
 }
 } // namespace Simulator

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <filesystem>
+#include <fstream>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -38,7 +39,7 @@ private:
     EventLogStore() = default;
 
     std::mutex m_lock;
-    std::filesystem::path m_file;
+    std::ofstream m_file; // open as long as the process lives; written through after each record
     unsigned m_nLastRecord = 0;
 };
 } // namespace Simulator
