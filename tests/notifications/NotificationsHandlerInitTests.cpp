@@ -2,27 +2,24 @@
 #include "simulator/doubles/JournalText.h"
 #include "simulator/model/CallPlan.h"
 #include "simulator/model/LiveObjects.h"
-#include "simulator/redirect/ImportRedirection.h"
 #include "tests/notifications/NotificationsMachine.h"
 #include "tests/support/AllocationFault.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/PretendedModulePath.h"
 #include "tests/wmievents/EmptyHandedCommand.h"
 
 #include <gmock/gmock.h>
-
-#include <algorithm>
-#include <cstring>
 
 using Notifications::OrvikNotifications::CNotificationsHandler;
 using Notifications::OrvikNotifications::GetConfigurationToolPath;
 using Simulator::CallPlan;
 using Simulator::Facts;
 using Simulator::LiveObjects;
-using Simulator::Redirection;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 using TestSupport::LogLines;
+using TestSupport::PretendedModulePath;
 
 namespace
 {
@@ -41,26 +38,9 @@ protected:
     }
 };
 
-// The module path that the program is told, at most as many characters of it as there is room for.
-std::wstring g_modulePath;
-DWORD g_askedCapacity;
-HMODULE g_askedModule;
-
-DWORD WINAPI PretendedModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD capacity)
-{
-    g_askedModule = module;
-    g_askedCapacity = capacity;
-    const std::size_t length = std::min<std::size_t>(g_modulePath.size(), capacity);
-    std::memcpy(buffer, g_modulePath.data(), length * sizeof(wchar_t));
-    if (length < capacity)
-        buffer[length] = L'\0';
-    return static_cast<DWORD>(length);
-}
-
 std::wstring PathFor(const std::wstring& modulePath)
 {
-    g_modulePath = modulePath;
-    const Redirection<decltype(GetModuleFileNameW)> pretended("GetModuleFileNameW", &PretendedModuleFileNameW);
+    const PretendedModulePath pretended(modulePath);
     return GetConfigurationToolPath();
 }
 } // namespace
@@ -239,8 +219,8 @@ TEST_F(NotificationsHandlerInitTest, ToolPath_LiesBesideTheProgramWithOneBacksla
 {
     EXPECT_EQ(PathFor(L"C:\\Program Files\\Orvik\\OrvikNotifications.exe"),
               L"C:\\Program Files\\Orvik\\OrvikUsbCConfiguration.exe");
-    EXPECT_EQ(g_askedModule, nullptr);
-    EXPECT_EQ(g_askedCapacity, 260u);
+    EXPECT_EQ(PretendedModulePath::AskedModule(), nullptr);
+    EXPECT_EQ(PretendedModulePath::AskedCapacity(), 260u);
     EXPECT_EQ(PathFor(L"C:\\OrvikNotifications.exe"), L"C:\\OrvikUsbCConfiguration.exe");
 }
 
@@ -253,8 +233,7 @@ TEST_F(NotificationsHandlerInitTest, ToolPath_OfAnOverlongPath_IsCutToTheBuffer)
 
 TEST_F(NotificationsHandlerInitTest, ToolPath_NoMemory_IsEmptyAndTheFlagsAreThere)
 {
-    g_modulePath = L"C:\\" + std::wstring(240, L'f') + L"\\agent.exe";
-    const Redirection<decltype(GetModuleFileNameW)> pretended("GetModuleFileNameW", &PretendedModuleFileNameW);
+    const PretendedModulePath pretended(L"C:\\" + std::wstring(240, L'f') + L"\\agent.exe");
     m_handler.Init();
     ASSERT_NE(m_handler.ConfigurationToolPath(), L"");
     // Nothing else of that size is allocated once the machine was asked.

@@ -5,12 +5,12 @@
 #include "simulator/model/LiveObjects.h"
 #include "simulator/redirect/ImportRedirection.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/PretendedModulePath.h"
 #include "tests/wmievents/MachineTest.h"
 #include "wmievents/WmiEventsState.h"
 
 #include <gmock/gmock.h>
 
-#include <cstring>
 #include <memory>
 
 using Notifications::OrvikWmiEvents::COrvikWmiEvents;
@@ -21,6 +21,7 @@ using Simulator::Redirection;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using TestSupport::LogLines;
+using TestSupport::PretendedModulePath;
 
 namespace
 {
@@ -29,26 +30,9 @@ constexpr const char* Destructor = "Notifications::OrvikWmiEvents::COrvikWmiEven
 
 using OrvikWmiEventsTest = Tests::MachineTest;
 
-// The module path that the program is told, at most the given number of characters of it.
-std::wstring g_modulePath;
-DWORD g_askedCapacity;
-HMODULE g_askedModule;
-
-DWORD WINAPI PretendedModuleFileNameW(HMODULE module, LPWSTR buffer, DWORD capacity)
-{
-    g_askedModule = module;
-    g_askedCapacity = capacity;
-    const std::size_t length = std::min<std::size_t>(g_modulePath.size(), capacity);
-    std::memcpy(buffer, g_modulePath.data(), length * sizeof(wchar_t));
-    if (length < capacity)
-        buffer[length] = L'\0';
-    return static_cast<DWORD>(length);
-}
-
 std::wstring HelperPathFor(const std::wstring& modulePath)
 {
-    g_modulePath = modulePath;
-    const Redirection<decltype(GetModuleFileNameW)> pretended("GetModuleFileNameW", &PretendedModuleFileNameW);
+    const PretendedModulePath pretended(modulePath);
     return GetSmartAdapterHelperPath();
 }
 
@@ -140,8 +124,8 @@ TEST_F(OrvikWmiEventsTest, HelperPath_LiesBesideTheProgram)
 {
     EXPECT_EQ(HelperPathFor(L"C:\\Program Files\\Orvik\\OrvikNotifications.exe"),
               L"C:\\Program Files\\Orvik\\orvikSmartAdapterHelp.exe");
-    EXPECT_EQ(g_askedModule, nullptr);
-    EXPECT_EQ(g_askedCapacity, 260u);
+    EXPECT_EQ(PretendedModulePath::AskedModule(), nullptr);
+    EXPECT_EQ(PretendedModulePath::AskedCapacity(), 260u);
 }
 
 TEST_F(OrvikWmiEventsTest, HelperPath_OfAnOverlongPath_IsCutToTheBuffer)
