@@ -1,6 +1,7 @@
 #include "notifications/NotificationsHandler.h"
 
 #include "platform/PlatformCommand.h"
+#include "shared/ModuleName.h"
 #include "shared/TraceScope.h"
 
 #include <cwchar>
@@ -79,12 +80,6 @@ void CNotificationsHandler::AskPlatform(const TraceScope& trace)
 
 std::wstring GetConfigurationToolPath()
 {
-    wchar_t path[MAX_PATH]{};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    std::wstring folder(path, wcsnlen(path, MAX_PATH));
-    const std::size_t lastBackslash = folder.rfind(L'\\');
-    if (lastBackslash != std::wstring::npos)
-        folder.resize(lastBackslash);
-    return folder + L"\\OrvikUsbCConfiguration.exe";
+    return Orvik::Shared::PathBesideProgram(L"OrvikUsbCConfiguration.exe");
 }
 } // namespace Notifications::OrvikNotifications

@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <string_view>
+#include <cwchar>
 #include <vector>
 
 namespace Orvik::Shared
@@ -31,6 +31,17 @@ std::wstring ModuleBaseName()
     std::wstring_view name(path, std::min(length, g_basePathCapacity - 1));
     name.remove_prefix(name.rfind(L'\\') + 1);
     return std::wstring(name.substr(0, name.rfind(L'.')));
+}
+
+std::wstring PathBesideProgram(std::wstring_view fileName)
+{
+    wchar_t path[MAX_PATH]{};
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    std::wstring result(path, wcsnlen(path, MAX_PATH));
+    const std::size_t lastBackslash = result.rfind(L'\\');
+    if (lastBackslash != std::wstring::npos)
+        result.resize(lastBackslash);
+    return result.append(1, L'\\').append(fileName);
 }
 
 std::wstring ProductName()

@@ -117,7 +117,6 @@ std::wstring HubPath(const DeviceInformationSet& hubs, SP_DEVINFO_DATA& device)
         return {};
     return path;
 }
-
 } // namespace
 
 void CUsbDevice::Init(HWND /*window*/, const DEV_BROADCAST_HDR* header)

@@ -1,5 +1,6 @@
 #include "wmievents/OrvikWmiEvents.h"
 
+#include "shared/ModuleName.h"
 #include "shared/TraceScope.h"
 #include "wmievents/WmiEventsState.h"
 
@@ -44,12 +45,6 @@ COrvikWmiEvents::~COrvikWmiEvents()
 
 std::wstring GetSmartAdapterHelperPath()
 {
-    wchar_t path[MAX_PATH]{};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    std::wstring folder(path, wcsnlen(path, MAX_PATH));
-    const std::size_t lastBackslash = folder.rfind(L'\\');
-    if (lastBackslash != std::wstring::npos)
-        folder.resize(lastBackslash);
-    return folder + L"\\orvikSmartAdapterHelp.exe";
+    return Orvik::Shared::PathBesideProgram(L"orvikSmartAdapterHelp.exe");
 }
 } // namespace Notifications::OrvikWmiEvents

@@ -43,6 +43,16 @@ TEST_F(ModuleName, Path_LosesFolderAndExtension)
     EXPECT_EQ(ModuleBaseName(), L"OrvikNotifications");
 }
 
+TEST_F(ModuleName, PathBeside_TakesTheProgramsPlace)
+{
+    g_path = L"C:\\Program Files\\Orvik\\OrvikNotifications.exe";
+    EXPECT_EQ(PathBesideProgram(L"other.exe"), L"C:\\Program Files\\Orvik\\other.exe");
+    g_path = L"agent.exe";
+    EXPECT_EQ(PathBesideProgram(L"other.exe"), L"agent.exe\\other.exe");
+    g_path.clear();
+    EXPECT_EQ(PathBesideProgram(L"other.exe"), L"\\other.exe");
+}
+
 TEST_F(ModuleName, SeveralDots_LoseTheLastExtensionOnly)
 {
     g_path = L"C:\\a.b\\Orvik.Notifications.v2.exe";
