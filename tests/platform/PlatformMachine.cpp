@@ -10,6 +10,17 @@ using Simulator::Facts;
 using Simulator::Journal;
 using Simulator::LiveObjects;
 
+HRESULT WINAPI CreateNoObject(REFCLSID, LPUNKNOWN, DWORD, REFIID, LPVOID* object)
+{
+    *object = nullptr;
+    return S_OK;
+}
+
+BSTR WINAPI AllocateNoBstr(const OLECHAR*)
+{
+    return nullptr;
+}
+
 PlatformMachine::PlatformMachine()
 {
     CallPlan::Instance().Reset();

@@ -6,8 +6,29 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <comdef.h>
+
 #include <string>
 #include <vector>
+
+// What Windows answers when it has neither an object, nor memory for a text.
+HRESULT WINAPI CreateNoObject(REFCLSID, LPUNKNOWN, DWORD, REFIID, LPVOID* object);
+BSTR WINAPI AllocateNoBstr(const OLECHAR*);
+
+// The code that the call raises; S_OK when it raises nothing.
+template <class Call>
+[[nodiscard]] HRESULT RaisedCode(Call&& call)
+{
+    try
+    {
+        call();
+        return S_OK;
+    }
+    catch (const _com_error& error)
+    {
+        return error.Error();
+    }
+}
 
 // A machine with the platform library, the notification component and WMI, on a thread that is in an apartment. After
 // each test no double may be alive.

@@ -21,12 +21,6 @@ namespace
 {
 constexpr HRESULT g_hrPlanned = static_cast<HRESULT>(0x80041234);
 
-HRESULT WINAPI NoObject(REFCLSID, LPUNKNOWN, DWORD, REFIID, LPVOID* object)
-{
-    *object = nullptr;
-    return S_OK;
-}
-
 using QueryFunction = HRESULT STDMETHODCALLTYPE(IUnknown*, REFIID, void**);
 QueryFunction* g_query = nullptr;
 
@@ -107,7 +101,7 @@ TEST_F(PlixCommandTest, Create_ServerGivesNoObject_FailsBeforeItIsRun)
 {
     IPlixCommandPtr spCommand;
     ASSERT_EQ(CreatePlixCommand(spCommand), S_OK);
-    const Simulator::Redirection<decltype(CoCreateInstance)> redirection("CoCreateInstance", &NoObject);
+    const Simulator::Redirection<decltype(CoCreateInstance)> redirection("CoCreateInstance", &CreateNoObject);
     StartJournal();
     EXPECT_EQ(CreatePlixCommand(spCommand), E_POINTER);
     EXPECT_FALSE(spCommand);

@@ -27,27 +27,13 @@ protected:
         Facts::Instance().Set("/commands/SmartAdapter.Status", {{"answer", answer}});
     }
     [[nodiscard]] _variant_t Execute() const { return ExecutePlixCommand(m_spCommand, L"SmartAdapter.Status"); }
-    // The code that the command raises; S_OK when it raises nothing.
     [[nodiscard]] static HRESULT CodeOf(IPlixCommand* command)
     {
-        try
-        {
-            (void)ExecutePlixCommand(command, L"SmartAdapter.Status");
-            return S_OK;
-        }
-        catch (const _com_error& error)
-        {
-            return error.Error();
-        }
+        return RaisedCode([&] { (void)ExecutePlixCommand(command, L"SmartAdapter.Status"); });
     }
 
     IPlixCommandPtr m_spCommand;
 };
-
-BSTR WINAPI NoBstr(const OLECHAR*)
-{
-    return nullptr;
-}
 } // namespace
 
 TEST_F(PlixExecutionTest, Execute_Always_SendsNameAndEmptyOutput)
@@ -108,7 +94,7 @@ TEST_F(PlixExecutionTest, Execute_NullCommand_RaisesPointerError)
 
 TEST_F(PlixExecutionTest, Execute_NameCannotBeAllocated_RaisesOutOfMemoryWithoutCall)
 {
-    const Simulator::Redirection<decltype(SysAllocString)> noMemory("SysAllocString", &NoBstr);
+    const Simulator::Redirection<decltype(SysAllocString)> noMemory("SysAllocString", &AllocateNoBstr);
     StartJournal();
     EXPECT_EQ(CodeOf(m_spCommand), E_OUTOFMEMORY);
     EXPECT_TRUE(Calls().empty());

@@ -32,27 +32,15 @@ protected:
     {
         return ExecutePlixCommandWithInput(m_spCommand, L"Platform.USBC.Messages", input, result);
     }
-    // The code that the command raises; S_OK when it raises nothing.
     [[nodiscard]] static HRESULT CodeOf(IPlixCommand* command, HRESULT* result = nullptr)
     {
-        try
-        {
-            (void)ExecutePlixCommandWithInput(command, L"Platform.USBC.Messages", _variant_t(BYTE{2}), result);
-            return S_OK;
-        }
-        catch (const _com_error& error)
-        {
-            return error.Error();
-        }
+        return RaisedCode(
+            [&]
+            { (void)ExecutePlixCommandWithInput(command, L"Platform.USBC.Messages", _variant_t(BYTE{2}), result); });
     }
 
     IPlixCommandPtr m_spCommand;
 };
-
-BSTR WINAPI NoBstr(const OLECHAR*)
-{
-    return nullptr;
-}
 
 // What the library gets, byte by byte.
 VARIANT g_received;
@@ -167,7 +155,7 @@ TEST_F(PlixInputTest, Execute_NameCannotBeAllocated_RaisesOutOfMemoryWithoutCall
 {
     StartJournal();
     {
-        const Simulator::Redirection<decltype(SysAllocString)> noMemory("SysAllocString", &NoBstr);
+        const Simulator::Redirection<decltype(SysAllocString)> noMemory("SysAllocString", &AllocateNoBstr);
         EXPECT_EQ(CodeOf(m_spCommand), E_OUTOFMEMORY);
     }
     {

@@ -18,12 +18,6 @@ namespace
 {
 constexpr HRESULT g_hrPlanned = static_cast<HRESULT>(0x80041234);
 
-HRESULT WINAPI NoObject(REFCLSID, LPUNKNOWN, DWORD, REFIID, LPVOID* object)
-{
-    *object = nullptr;
-    return S_OK;
-}
-
 using QueryFunction = HRESULT STDMETHODCALLTYPE(IUnknown*, REFIID, void**);
 QueryFunction* g_query = nullptr;
 
@@ -84,7 +78,7 @@ TEST_F(PlixNotificationTest, Create_AStepFails_GivesItsCodeNullSlotAndNoReferenc
 TEST_F(PlixNotificationTest, Create_ServerGivesNoObject_FailsBeforeItIsRun)
 {
     IUnknownPtr spNotification;
-    const Simulator::Redirection<decltype(CoCreateInstance)> redirection("CoCreateInstance", &NoObject);
+    const Simulator::Redirection<decltype(CoCreateInstance)> redirection("CoCreateInstance", &CreateNoObject);
     EXPECT_EQ(CreatePlixNotification(spNotification), E_POINTER);
     EXPECT_FALSE(spNotification);
     EXPECT_THAT(Calls(), ElementsAre("CLSIDFromProgID"));

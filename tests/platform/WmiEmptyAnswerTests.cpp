@@ -13,12 +13,6 @@ namespace
 {
 constexpr HRESULT g_hrNotInitialized = static_cast<HRESULT>(0x80041014);
 
-HRESULT WINAPI NoObject(REFCLSID, LPUNKNOWN, DWORD, REFIID, LPVOID* object)
-{
-    *object = nullptr;
-    return S_OK;
-}
-
 HRESULT STDMETHODCALLTYPE NoServices(IWbemLocator*, BSTR, BSTR, BSTR, BSTR, long, BSTR, IWbemContext*,
                                      IWbemServices** services)
 {
@@ -61,7 +55,7 @@ protected:
 
 TEST_F(WmiEmptyAnswerTest, Connect_NoLocator_Fails)
 {
-    const Simulator::Redirection<decltype(CoCreateInstance)> redirection("CoCreateInstance", &NoObject);
+    const Simulator::Redirection<decltype(CoCreateInstance)> redirection("CoCreateInstance", &CreateNoObject);
     EXPECT_EQ(m_query.Connect(NamespacePath(WmiNamespace::Cimv2)), E_POINTER);
     EXPECT_EQ(m_query.Query(L"select Version from Win32_OperatingSystem", 0x30), g_hrNotInitialized);
     EXPECT_EQ(LiveObjects::Count(), 0);

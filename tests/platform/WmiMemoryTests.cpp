@@ -127,14 +127,9 @@ private:
 // The code of the connection or of what it raises.
 HRESULT ConnectCode(WmiQuery& query, const wchar_t* path)
 {
-    try
-    {
-        return query.Connect(path);
-    }
-    catch (const _com_error& error)
-    {
-        return error.Error();
-    }
+    HRESULT hr = S_OK;
+    const HRESULT hrRaised = RaisedCode([&] { hr = query.Connect(path); });
+    return FAILED(hrRaised) ? hrRaised : hr;
 }
 } // namespace
 

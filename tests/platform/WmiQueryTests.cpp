@@ -28,11 +28,6 @@ class WmiQueryTest : public PlatformMachine
 protected:
     static const wchar_t* Cimv2() { return NamespacePath(WmiNamespace::Cimv2); }
 };
-
-BSTR WINAPI NoBstr(const OLECHAR*)
-{
-    return nullptr;
-}
 } // namespace
 
 TEST_F(WmiQueryTest, Construct_Always_InitialisesComSecurityAndConnectionInThisOrder)
@@ -95,7 +90,7 @@ TEST_F(WmiQueryTest, Construct_SecurityRefused_IsIgnored)
 
 TEST_F(WmiQueryTest, Construct_NoMemoryForPath_LeavesQueryUnconnected)
 {
-    const Simulator::Redirection<decltype(SysAllocString)> noMemory("SysAllocString", &NoBstr);
+    const Simulator::Redirection<decltype(SysAllocString)> noMemory("SysAllocString", &AllocateNoBstr);
     WmiQuery query(Cimv2());
     EXPECT_EQ(query.Query(g_pszVersions, 0x30), g_hrNotInitialized);
     EXPECT_EQ(LiveObjects::Count(), 0);
@@ -154,7 +149,7 @@ TEST_F(WmiQueryTest, Connect_UnknownNamespace_GivesWmisCode)
 TEST_F(WmiQueryTest, Connect_NoMemoryForPath_RaisesOutOfMemoryAndHoldsNothing)
 {
     WmiQuery query(Cimv2());
-    const Simulator::Redirection<decltype(SysAllocString)> noMemory("SysAllocString", &NoBstr);
+    const Simulator::Redirection<decltype(SysAllocString)> noMemory("SysAllocString", &AllocateNoBstr);
     try
     {
         (void)query.Connect(Cimv2());
@@ -216,7 +211,7 @@ TEST_F(WmiQueryTest, Query_Refused_GivesWmisCodeAndHoldsNoEnumerator)
 TEST_F(WmiQueryTest, Query_NoMemoryForText_GivesOutOfMemory)
 {
     WmiQuery query(Cimv2());
-    const Simulator::Redirection<decltype(SysAllocString)> noMemory("SysAllocString", &NoBstr);
+    const Simulator::Redirection<decltype(SysAllocString)> noMemory("SysAllocString", &AllocateNoBstr);
     EXPECT_EQ(query.Query(g_pszVersions, 0x30), E_OUTOFMEMORY);
 }
 

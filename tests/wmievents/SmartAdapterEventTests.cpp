@@ -6,6 +6,7 @@
 #include "tests/support/BstrLedger.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/PolicyKey.h"
+#include "tests/wmievents/AskedPolicies.h"
 #include "tests/wmievents/SmartAdapterTest.h"
 
 #include <gmock/gmock.h>
@@ -60,15 +61,6 @@ int WINAPI JournalledLoadStringW(HINSTANCE, UINT id, LPWSTR buffer, int)
     Simulator::Journal::Instance().Append("call", "LoadStringW " + std::to_string(id));
     *buffer = L'\0';
     return 0;
-}
-
-std::vector<std::wstring> g_lstAskedValues;
-decltype(RegQueryValueExW)* g_pfnQueryValue;
-
-LSTATUS WINAPI NotedQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size)
-{
-    g_lstAskedValues.emplace_back(name);
-    return g_pfnQueryValue(key, name, reserved, type, data, size);
 }
 } // namespace
 
@@ -198,17 +190,16 @@ TEST_F(SmartAdapterEventTest, Suppressed_LogsAndAsksNothing)
 
 TEST_F(SmartAdapterEventTest, Policies_OfAllFirstAndOfTheAdapterOnlyWhenThatIsOff)
 {
-    const Redirection<decltype(RegQueryValueExW)> noted("RegQueryValueExW", &NotedQueryValueExW);
-    g_pfnQueryValue = noted.Original();
+    Tests::AskedPolicies asked;
     TestSupport::PolicyKey policies(TestSupport::SuppressKeys[0]);
     policies.Text(L"SuppressAllNotifications", L"true");
-    g_lstAskedValues.clear();
+    asked.Clear();
     m_hub.ProcessSmartAdapterEvent();
-    EXPECT_THAT(g_lstAskedValues, ElementsAre(L"SuppressAllNotifications"));
+    EXPECT_THAT(asked.Names(), ElementsAre(L"SuppressAllNotifications"));
     policies.Text(L"SuppressAllNotifications", L"false");
-    g_lstAskedValues.clear();
+    asked.Clear();
     m_hub.ProcessSmartAdapterEvent();
-    EXPECT_THAT(g_lstAskedValues, ElementsAre(L"SuppressAllNotifications", L"SuppressSmartAdapterNotifications"));
+    EXPECT_THAT(asked.Names(), ElementsAre(L"SuppressAllNotifications", L"SuppressSmartAdapterNotifications"));
 }
 
 TEST_F(SmartAdapterEventTest, OtherPolicies_DoNotSilence)

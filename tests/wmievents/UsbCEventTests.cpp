@@ -1,9 +1,9 @@
 #include "shared/LogLevel.h"
 #include "simulator/doubles/JsonVariant.h"
 #include "simulator/model/LiveObjects.h"
-#include "simulator/redirect/ImportRedirection.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/PolicyKey.h"
+#include "tests/wmievents/AskedPolicies.h"
 #include "tests/wmievents/UsbCTest.h"
 
 #include <comdef.h>
@@ -16,7 +16,6 @@
 using Simulator::CallPlan;
 using Simulator::Facts;
 using Simulator::LiveObjects;
-using Simulator::Redirection;
 using Simulator::RunningDelivery;
 using Simulator::WmiEventSource;
 using testing::ElementsAre;
@@ -42,15 +41,6 @@ protected:
 constexpr const char* g_shown = "The device plugged into the USB-C port cannot charge your PC.";
 constexpr const char* g_showAll = "Notifications::OrvikNotifications::CNotificationsHandler::ShowUsbCMessages";
 constexpr const wchar_t* g_notThisEvent = L"Information|Not an event with USBC event id. should not see this.";
-
-std::vector<std::wstring> g_lstAskedValues;
-decltype(RegQueryValueExW)* g_pfnQueryValue;
-
-LSTATUS WINAPI NotedQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size)
-{
-    g_lstAskedValues.emplace_back(name);
-    return g_pfnQueryValue(key, name, reserved, type, data, size);
-}
 } // namespace
 
 TEST_F(UsbCEventTest, Event_OfPortTwo_ShowsThatPortsMessages)
@@ -144,18 +134,17 @@ TEST_F(UsbCEventTest, Suppressed_IsLoggedAndNothingIsAskedOrShown)
 
 TEST_F(UsbCEventTest, Policies_OfAllFirstAndOfTheFirmwaresMessagesOnlyWhenThatIsOff)
 {
-    const Redirection<decltype(RegQueryValueExW)> noted("RegQueryValueExW", &NotedQueryValueExW);
-    g_pfnQueryValue = noted.Original();
+    Tests::AskedPolicies asked;
     TestSupport::PolicyKey policies(TestSupport::SuppressKeys[0]);
     policies.Text(L"SuppressAllNotifications", L"true");
-    g_lstAskedValues.clear();
+    asked.Clear();
     EXPECT_EQ(Process({{"ui1", 2}}), S_OK);
-    EXPECT_THAT(g_lstAskedValues, ElementsAre(L"SuppressAllNotifications"));
+    EXPECT_THAT(asked.Names(), ElementsAre(L"SuppressAllNotifications"));
     policies.Text(L"SuppressAllNotifications", L"false");
     policies.Text(L"SuppressUsbCBiosNotifications", L"true");
-    g_lstAskedValues.clear();
+    asked.Clear();
     EXPECT_EQ(Process({{"ui1", 2}}), S_OK);
-    EXPECT_THAT(g_lstAskedValues, ElementsAre(L"SuppressAllNotifications", L"SuppressUsbCBiosNotifications"));
+    EXPECT_THAT(asked.Names(), ElementsAre(L"SuppressAllNotifications", L"SuppressUsbCBiosNotifications"));
 }
 
 TEST_F(UsbCEventTest, Policies_OfOthers_DoNotSilence)
