@@ -10,8 +10,8 @@ using Action = std::function<void(ScenarioRun&)>;
 
 bool StartsWithOneOf(const std::string& name, const std::vector<std::string>& prefixes)
 {
-    return prefixes.empty() || std::any_of(prefixes.begin(), prefixes.end(),
-                                           [&](const std::string& prefix) { return name.starts_with(prefix); });
+    return prefixes.empty() ||
+           std::ranges::any_of(prefixes, [&](const std::string& prefix) { return name.starts_with(prefix); });
 }
 
 bool Includes(const nlohmann::json& whole, const nlohmann::json& part)
@@ -79,8 +79,8 @@ Action ReadExpectCalls(const nlohmann::json& value, const std::string& place)
     return [=](ScenarioRun& run)
     {
         const Calls calls = CallsSinceMark(run, among);
-        if (!std::equal(expected.begin(), expected.end(), calls.begin(), calls.end(),
-                        [](const Call& wanted, const Call& made) { return wanted.IsMetBy(made); }))
+        if (!std::ranges::equal(expected, calls,
+                                [](const Call& wanted, const Call& made) { return wanted.IsMetBy(made); }))
             throw StepFailure("expected calls:" + Listed(expected) + "\n  calls made:" + Listed(calls));
     };
 }

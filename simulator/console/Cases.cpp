@@ -65,7 +65,7 @@ std::vector<nlohmann::json> ExpandCases(const nlohmann::json& document)
     {
         ObjectReader reader(document["cases"][i], "/cases/" + std::to_string(i));
         nlohmann::json one = common;
-        const std::string name = reader.Get<std::string>("name");
+        const auto name = reader.Get<std::string>("name");
         Substitute(one, reader.Get<nlohmann::json>("with", nlohmann::json::object()), "");
         reader.Finish();
         one["title"] = one.value("title", "") + ": " + name;

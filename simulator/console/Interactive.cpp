@@ -21,7 +21,7 @@ namespace
 void SayWhetherQuiet(ScenarioRun& run)
 {
     const std::vector<Entry> entries = run.SinceMark();
-    if (std::none_of(entries.begin(), entries.end(), [](const Entry& entry) { return entry.m_strKind == "toast"; }))
+    if (std::ranges::none_of(entries, [](const Entry& entry) { return entry.m_strKind == "toast"; }))
         run.Say("check", "no toast is shown");
 }
 
@@ -29,7 +29,7 @@ bool TellsTheAgent(const std::string& line)
 {
     constexpr const char* words[] = {"status", "event", "bios", "plug"};
     return line == "acpi" || line.starts_with("acpi ") ||
-           std::any_of(std::begin(words), std::end(words), [&](const char* word) { return line.starts_with(word); });
+           std::ranges::any_of(words, [&](const char* word) { return line.starts_with(word); });
 }
 
 void CarryOut(ScenarioRun& run, const std::string& line)

@@ -131,7 +131,7 @@ int wmain(int count, wchar_t** texts)
     }
     catch (const std::exception& fault)
     {
-        std::fprintf(stderr, "orvik-sim: %s\n", fault.what());
+        (void)std::fprintf(stderr, "orvik-sim: %s\n", fault.what());
         return g_notRun;
     }
 }

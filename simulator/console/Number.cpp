@@ -27,7 +27,7 @@ unsigned long ReadNumber(const nlohmann::json& value, const std::string& place, 
 std::string HexText(unsigned long number, int digits)
 {
     char text[16] = {};
-    std::snprintf(text, sizeof(text), "0x%0*lX", digits, number);
+    (void)std::snprintf(text, sizeof(text), "0x%0*lX", digits, number);
     return text;
 }
 } // namespace Simulator

@@ -149,8 +149,8 @@ DeviceDriver& ScenarioRun::Devices()
 bool ScenarioRun::HasAskedForArrivals() const
 {
     const std::vector<Entry> entries = m_entries.From(m_nMark);
-    return std::any_of(entries.begin(), entries.end(), [](const Entry& entry)
-                       { return entry.m_strKind == "agent" && entry.m_strSubject == "hears-arrivals"; });
+    return std::ranges::any_of(entries, [](const Entry& entry)
+                               { return entry.m_strKind == "agent" && entry.m_strSubject == "hears-arrivals"; });
 }
 
 std::vector<Entry> ScenarioRun::SinceMark() const

@@ -30,7 +30,7 @@ std::string ShortWindowsName()
 bool IsForThisWindows(const Scenario& scenario)
 {
     const auto& names = scenario.m_lstWindows;
-    return names.empty() || std::find(names.begin(), names.end(), ShortWindowsName()) != names.end();
+    return names.empty() || std::ranges::find(names, ShortWindowsName()) != names.end();
 }
 
 // A folder name made of a title.

@@ -30,6 +30,7 @@ Action ReadRepeat(const nlohmann::json& value, const std::string& place)
     const nlohmann::json& list = reader.Required("steps");
     reader.Finish();
     std::vector<Step> steps;
+    steps.reserve(list.size());
     for (std::size_t i = 0; i < list.size(); ++i)
         steps.push_back(ReadStep(list[i], place + "/steps/" + std::to_string(i)));
     return [=](ScenarioRun& run)
@@ -84,12 +85,12 @@ Action ReadExpectFlat(const nlohmann::json& value, const std::string& place)
     {
         const auto isFlat = [&](const nlohmann::json& use)
         {
-            return std::all_of(growth.begin(), growth.end(),
-                               [&](const auto& item)
-                               {
-                                   const long before = run.m_rememberedUse.at(item.first).template get<long>();
-                                   return use.at(item.first).template get<long>() <= before + item.second;
-                               });
+            return std::ranges::all_of(growth,
+                                       [&](const auto& item)
+                                       {
+                                           const long before = run.m_rememberedUse.at(item.first).template get<long>();
+                                           return use.at(item.first).template get<long>() <= before + item.second;
+                                       });
         };
         const auto end = std::chrono::steady_clock::now() + g_settlingLimit;
         nlohmann::json use = run.Command({{"command", "resources"}});

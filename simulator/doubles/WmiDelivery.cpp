@@ -43,6 +43,7 @@ std::thread StartComThread(std::function<void()> work)
 HRESULT Indicate(IWbemObjectSink& sink, std::string_view className, const std::vector<nlohmann::json>& objects)
 {
     std::vector<IWbemClassObject*> instances;
+    instances.reserve(objects.size());
     for (const nlohmann::json& properties : objects)
         instances.push_back(properties.is_null() ? nullptr : new WbemClassObjectDouble(className, properties));
     const HRESULT hr = sink.Indicate(static_cast<LONG>(instances.size()), instances.data());

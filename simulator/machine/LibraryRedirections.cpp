@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 // Wine has every library whatever version of Windows it says: what an old Windows lacks is hidden here.
 namespace Simulator
@@ -18,7 +19,7 @@ constexpr std::array g_windowsRuntimeLibraries = {"combase.dll", "api-ms-win-cor
 std::string BaseName(const std::string& path)
 {
     std::string name = path.substr(path.find_last_of("\\/") + 1);
-    std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
+    std::ranges::transform(name, name.begin(), [](unsigned char c) { return std::tolower(c); });
     return name.find('.') == std::string::npos ? name + ".dll" : name;
 }
 
@@ -28,10 +29,9 @@ bool IsMissing(const wchar_t* path)
     const std::string name = BaseName(Narrow(path));
     const nlohmann::json missing = Facts::Instance().Get("/windows/missing-libraries");
     if (missing.is_array())
-        return std::find(missing.begin(), missing.end(), name) != missing.end();
+        return missing.get<std::set<std::string>>().contains(name);
     return WindowsVersion() < g_firstVersionWithWindowsRuntime &&
-           std::find(g_windowsRuntimeLibraries.begin(), g_windowsRuntimeLibraries.end(), name) !=
-               g_windowsRuntimeLibraries.end();
+           std::ranges::find(g_windowsRuntimeLibraries, name) != g_windowsRuntimeLibraries.end();
 }
 
 HMODULE Decide(const char* function, const wchar_t* path, HMODULE (*load)(const wchar_t*, DWORD), DWORD flags)

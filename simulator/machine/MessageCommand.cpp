@@ -84,7 +84,7 @@ nlohmann::json SendDeviceChange(const nlohmann::json& command)
     broadcast->dbcc_size = command.value("size", static_cast<DWORD>(size));
     broadcast->dbcc_devicetype = command.at("type").get<DWORD>();
     broadcast->dbcc_classguid = GuidFromText(command.at("class").get<std::string>());
-    std::copy(name.begin(), name.end(), broadcast->dbcc_name);
+    std::ranges::copy(name, broadcast->dbcc_name);
     return Send(WM_DEVICECHANGE, event, reinterpret_cast<LPARAM>(broadcast));
 }
 } // namespace Simulator

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <ranges>
 
 namespace Simulator
 {
@@ -37,12 +38,13 @@ FARPROC WINAPI RedirectedGetProcAddress(HMODULE module, LPCSTR name)
     if (reinterpret_cast<ULONG_PTR>(name) > 0xFFFF)
     {
         const std::lock_guard lock(table.m_lock);
-        const auto found = std::find_if(table.m_lstLookUps.rbegin(), table.m_lstLookUps.rend(),
-                                        [name](const LookUp& entry) { return entry.m_strFunctionName == name; });
-        if (found != table.m_lstLookUps.rend())
+        auto lastFirst = std::views::reverse(table.m_lstLookUps);
+        const auto found =
+            std::ranges::find_if(lastFirst, [name](const LookUp& entry) { return entry.m_strFunctionName == name; });
+        if (found != lastFirst.end())
             return reinterpret_cast<FARPROC>(found->m_pReplacement);
     }
-    return table.m_pfnGetProcAddress(module, name);
+    return table.m_pfnGetProcAddress != nullptr ? table.m_pfnGetProcAddress(module, name) : nullptr;
 }
 
 // The first patched slot gives the real function: in a unit test the simulator's own calls go through that slot too.
@@ -77,8 +79,8 @@ ImportRedirection::ImportRedirection(HMODULE module, const char* functionName, v
 
 ImportRedirection::~ImportRedirection()
 {
-    for (auto slot = m_lstSlots.rbegin(); slot != m_lstSlots.rend(); ++slot)
-        WriteImportSlot(slot->m_ppAddress, slot->m_pBefore);
+    for (const Slot& slot : std::views::reverse(m_lstSlots))
+        WriteImportSlot(slot.m_ppAddress, slot.m_pBefore);
     LookUpTable& table = LookUps();
     const std::lock_guard lock(table.m_lock);
     std::erase_if(table.m_lstLookUps, [this](const LookUp& entry) { return entry.m_pOwner == this; });

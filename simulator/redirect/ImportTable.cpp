@@ -35,9 +35,9 @@ std::vector<void**> ImportSlots(HMODULE module, std::string_view functionName)
 void WriteImportSlot(void** slot, void* address)
 {
     DWORD protection = 0;
-    VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection);
+    VirtualProtect(static_cast<void*>(slot), sizeof(*slot), PAGE_READWRITE, &protection);
     // One aligned store: another thread that calls through the slot sees the old address or the new one.
     InterlockedExchangePointer(slot, address);
-    VirtualProtect(slot, sizeof(*slot), protection, &protection);
+    VirtualProtect(static_cast<void*>(slot), sizeof(*slot), protection, &protection);
 }
 } // namespace Simulator

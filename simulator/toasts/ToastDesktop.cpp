@@ -39,7 +39,7 @@ INT32 ReportedReason(INT32 reason)
 std::string HexText(HRESULT hr)
 {
     char text[11] = {};
-    std::snprintf(text, sizeof(text), "0x%08lX", static_cast<unsigned long>(hr));
+    (void)std::snprintf(text, sizeof(text), "0x%08lX", static_cast<unsigned long>(hr));
     return text;
 }
 
@@ -103,8 +103,8 @@ void ToastDesktop::Hide(Abi::IToastNotification* toast)
     unsigned number = 0;
     {
         const std::lock_guard lock(m_lock);
-        const auto found = std::find_if(m_lstEntries.begin(), m_lstEntries.end(), [toast](const Entry& entry)
-                                        { return entry.m_spToast.GetInterfacePtr() == toast; });
+        const auto found = std::ranges::find_if(m_lstEntries, [toast](const Entry& entry)
+                                                { return entry.m_spToast.GetInterfacePtr() == toast; });
         number = found == m_lstEntries.end() ? 0 : found->m_visible.m_nNumber;
     }
     static_cast<void>(EndByDismissal(number, Abi::ToastDismissalReason_ApplicationHidden));
@@ -114,8 +114,8 @@ HRESULT ToastDesktop::Take(unsigned number, Entry& entry)
 {
     {
         const std::lock_guard lock(m_lock);
-        const auto found = std::find_if(m_lstEntries.begin(), m_lstEntries.end(),
-                                        [number](const Entry& each) { return each.m_visible.m_nNumber == number; });
+        const auto found = std::ranges::find_if(m_lstEntries, [number](const Entry& each)
+                                                { return each.m_visible.m_nNumber == number; });
         if (found == m_lstEntries.end())
             return HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
         entry = std::move(*found);
@@ -201,6 +201,7 @@ std::vector<VisibleToast> ToastDesktop::Snapshot() const
 {
     const std::lock_guard lock(m_lock);
     std::vector<VisibleToast> toasts;
+    toasts.reserve(m_lstEntries.size());
     for (const Entry& entry : m_lstEntries)
         toasts.push_back(entry.m_visible);
     return toasts;

@@ -41,6 +41,7 @@ public:
     {
         const std::lock_guard lock(m_lock);
         std::vector<Pointer> handlers;
+        handlers.reserve(m_lstHandlers.size());
         for (const Entry& entry : m_lstHandlers)
             handlers.push_back(entry.m_spHandler);
         return handlers;

@@ -9,7 +9,7 @@ using Orvik::Shared::TraceScope;
 
 void DisplayExistingMessages()
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     auto* const handler = g_pNotificationsHandler.Get();
     if (handler == nullptr)
         return;

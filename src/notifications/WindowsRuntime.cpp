@@ -12,13 +12,14 @@ using WindowsCreateStringFunction = HRESULT(WINAPI*)(PCWSTR, UINT32, HSTRING*);
 
 // Where the Windows Runtime exists, ole32.dll has brought combase.dll in before this program's first line: nothing is
 // loaded here, so no file of that name in another folder can be taken.
+// Null, with the last error, when there is no such function.
 template <class Function>
-HRESULT LookUp(const char* name, Function& function)
+Function LookUp(const char* name)
 {
     const HMODULE module = GetModuleHandleW(L"combase.dll");
-    if (module != nullptr)
-        function = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-    return function != nullptr ? S_OK : LastErrorResult();
+    if (module == nullptr)
+        return nullptr;
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
 }
 } // namespace
 
@@ -28,9 +29,9 @@ HRESULT GetActivationFactory(std::wstring_view className, REFIID iid, void** fac
     RuntimeString name;
     if (const HRESULT hr = name.Create(className); FAILED(hr))
         return hr;
-    RoGetActivationFactoryFunction pfnRoGetActivationFactory = nullptr;
-    if (const HRESULT hr = LookUp("RoGetActivationFactory", pfnRoGetActivationFactory); FAILED(hr))
-        return hr;
+    const auto pfnRoGetActivationFactory = LookUp<RoGetActivationFactoryFunction>("RoGetActivationFactory");
+    if (pfnRoGetActivationFactory == nullptr)
+        return LastErrorResult();
     return RequireObject(pfnRoGetActivationFactory(name.Get(), iid, factory), *factory);
 }
 
@@ -42,12 +43,13 @@ RuntimeString::~RuntimeString()
 
 HRESULT RuntimeString::Create(std::wstring_view text)
 {
-    WindowsCreateStringFunction pfnWindowsCreateString = nullptr;
-    if (const HRESULT hr = LookUp("WindowsCreateString", pfnWindowsCreateString); FAILED(hr))
-        return hr;
+    const auto pfnWindowsCreateString = LookUp<WindowsCreateStringFunction>("WindowsCreateString");
+    if (pfnWindowsCreateString == nullptr)
+        return LastErrorResult();
     // Looked up before there is anything to delete: a string that could not be deleted is never made.
-    if (const HRESULT hr = LookUp("WindowsDeleteString", m_pfnWindowsDeleteString); FAILED(hr))
-        return hr;
+    m_pfnWindowsDeleteString = LookUp<decltype(m_pfnWindowsDeleteString)>("WindowsDeleteString");
+    if (m_pfnWindowsDeleteString == nullptr)
+        return LastErrorResult();
     return pfnWindowsCreateString(text.data(), static_cast<UINT32>(text.size()), &m_hString);
 }
 } // namespace WindowsRuntime

@@ -15,6 +15,7 @@ HRESULT CreateCommand(const TraceScope& trace, IPlixCommandPtr& spCommand)
 _variant_t SendCommand(const TraceScope& trace, IPlixCommand* command, const wchar_t* name, HRESULT* result)
 {
     Log(Level::TraceIn, trace.FunctionName(), L"Before Calling %s", name);
+    // NOLINTNEXTLINE(misc-const-correctness): a constant would be copied into the result
     _variant_t answer = ExecutePlixCommand(command, name, result);
     Log(Level::TraceOut, trace.FunctionName(), L"After Calling %s", name);
     return answer;

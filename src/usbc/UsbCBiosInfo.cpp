@@ -118,7 +118,7 @@ HRESULT CUsbCBiosInfo::GetMsgDataFromPlix(int portNumber, std::wstring& xml)
 
 void CUsbCBiosInfo::GetMessages(int portNumber)
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     trace.Verbose(L"portNumber = %d", portNumber);
     std::wstring xml;
     if (FAILED(GetMsgDataFromPlix(portNumber, xml)))

@@ -19,7 +19,7 @@ inline constinit DWORD g_dwAcpiMonitorThreadId = 0;
 inline constinit AcpiStopEvent g_acpiStopEvent;
 
 // Instance id of the USB device that arrived last; empty when its interface name held none. Main thread only.
-inline constinit std::wstring g_strArrivedInstanceId;
+inline std::wstring g_strArrivedInstanceId;
 // Whether the device that arrived last is a USB billboard device; it keeps its value when the device is not found on a
 // hub. Main thread only.
 inline constinit bool g_bBillboardDevice = false;

@@ -81,7 +81,7 @@ std::wstring ReadInstanceId(const TraceScope& trace, const DeviceInformationSet&
 
 void CUsbDevice::GetDescriptor(HANDLE hub, int numberOfPorts)
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     try
     {
         trace.Verbose(L"Num ports = %d", numberOfPorts);
@@ -99,7 +99,7 @@ void CUsbDevice::GetDescriptor(HANDLE hub, int numberOfPorts)
 
 std::wstring CUsbDevice::GetDriverKeyName(HANDLE hub, ULONG port)
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     try
     {
         ULONG bytes = 0;
@@ -122,7 +122,7 @@ std::wstring CUsbDevice::GetDriverKeyName(HANDLE hub, ULONG port)
 
 std::wstring CUsbDevice::GetDeviceInstFromDriverName(const std::wstring& driverKeyName)
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     try
     {
         const DeviceInformationSet devices(nullptr, DIGCF_PRESENT | DIGCF_ALLCLASSES);

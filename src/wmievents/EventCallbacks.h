@@ -44,7 +44,7 @@ template <class MemberPointer>
 [[nodiscard]] const void* FirstWord(MemberPointer pointer) noexcept
 {
     const void* word = nullptr;
-    std::memcpy(&word, &pointer, sizeof(word));
+    std::memcpy(static_cast<void*>(&word), &pointer, sizeof(word));
     return word;
 }
 } // namespace Notifications::OrvikWmiEvents

@@ -19,7 +19,7 @@ int AsShownNumber(const CStringW& name)
 
 PublicWmiEvent::~PublicWmiEvent()
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
 }
 
 HRESULT PublicWmiEvent::RegisterEvent(const CStringW& eventName, COrvikWmiEvents* owner,

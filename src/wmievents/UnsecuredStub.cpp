@@ -59,7 +59,8 @@ HRESULT UnsecuredStub::CreateObjectStub(IWbemObjectSink* sink)
 HRESULT UnsecuredStub::QuerySink(IWbemObjectSinkPtr& spSink)
 {
     IStreamPtr spStream;
-    HRESULT hr = MultithreadedApartment::Instance().Run([this, &spStream] { return MarshalSink(m_spStub, spStream); });
+    const HRESULT hr =
+        MultithreadedApartment::Instance().Run([this, &spStream] { return MarshalSink(m_spStub, spStream); });
     if (FAILED(hr))
         return hr;
     // The call releases the stream whatever becomes of it.

@@ -169,10 +169,11 @@ TEST_F(WmiEventSinkTest, Indicate_ValuesWithoutANumber_CountAsZero)
 
 TEST_F(WmiEventSinkTest, Indicate_NullEntry_ReachesPlainOnlyAndTheNextIsHandled)
 {
-    EXPECT_EQ(Deliver(m_pWithParams, {nullptr, Event({{"EventID", 21}, {"EventData", 7}})}), WBEM_S_NO_ERROR);
+    EXPECT_EQ(Deliver(m_pWithParams, {IWbemClassObjectPtr(), Event({{"EventID", 21}, {"EventData", 7}})}),
+              WBEM_S_NO_ERROR);
     ASSERT_EQ(m_hub.Calls().size(), 1u);
     EXPECT_EQ(m_hub.Calls()[0].m_nEventId, 21);
-    EXPECT_EQ(Deliver(m_pPlain, {nullptr}), WBEM_S_NO_ERROR);
+    EXPECT_EQ(Deliver(m_pPlain, {IWbemClassObjectPtr()}), WBEM_S_NO_ERROR);
     EXPECT_EQ(m_hub.Calls().size(), 2u);
 }
 
@@ -207,7 +208,7 @@ TEST_F(WmiEventSinkTest, Indicate_FreesNamesAndValues)
 {
     const auto event = Event({{"EventID", "21"}, {"EventData", "text"}});
     const TestSupport::BstrLedger ledger;
-    Deliver(m_pWithParams, {event, nullptr, event});
+    Deliver(m_pWithParams, {event, IWbemClassObjectPtr(), event});
     EXPECT_GE(ledger.Allocations(), 6u);
     EXPECT_THAT(ledger.LiveTexts(), IsEmpty());
 }
