@@ -21,7 +21,7 @@ Action ReadFail(const nlohmann::json& value, const std::string& place)
                                  {"repeat", reader.Get<std::string>("repeat", "once")}};
     reader.Finish();
     if (rule["repeat"] != "once" && rule["repeat"] != "always")
-        reader.Complain("repeat is \"once\" or \"always\"");
+        reader.Complain(R"(repeat is "once" or "always")");
     return PlanAction({{"fail", rule}});
 }
 

@@ -92,7 +92,7 @@ RegistryValue ReadRegistryValue(const nlohmann::json& object, const std::string&
         ReadData(reader, *data, value);
     else
         value.m_bKeyOnly = true;
-    if (const std::string type = reader.Get<std::string>("type", ""); !type.empty())
+    if (const auto type = reader.Get<std::string>("type", ""); !type.empty())
         value.m_dwType = TypeNumber(reader, type);
     reader.Finish();
     return value;
@@ -103,6 +103,7 @@ std::vector<RegistryValue> ReadRegistryValues(const nlohmann::json& list, const 
     if (!list.is_array())
         throw UsageError(place + ": a list is expected");
     std::vector<RegistryValue> values;
+    values.reserve(list.size());
     for (std::size_t i = 0; i < list.size(); ++i)
         values.push_back(ReadRegistryValue(list[i], place + "/" + std::to_string(i)));
     return values;
@@ -110,12 +111,12 @@ std::vector<RegistryValue> ReadRegistryValues(const nlohmann::json& list, const 
 
 std::vector<RegistryValue> ReadPolicyValues(const nlohmann::json& values, const std::string& place)
 {
-    return ReadValuesOfKey("SOFTWARE\\Policies\\Orvik\\Orvik Notifications", values, place);
+    return ReadValuesOfKey(R"(SOFTWARE\Policies\Orvik\Orvik Notifications)", values, place);
 }
 
 std::vector<RegistryValue> ReadLoggingValues(const nlohmann::json& values, const std::string& place)
 {
-    return ReadValuesOfKey("SOFTWARE\\Policies\\Orvik\\OrvikNotifications Application", values, place);
+    return ReadValuesOfKey(R"(SOFTWARE\Policies\Orvik\OrvikNotifications Application)", values, place);
 }
 
 void Apply(const RegistryValue& value)

@@ -22,7 +22,7 @@ struct RegistryValue
 // {"key": "SOFTWARE\\...", "name": "...", "data": text | number | [bytes] | null, "type": "REG_SZ" ...}.
 // Without a type, texts are REG_SZ and numbers REG_DWORD; bytes are stored as they are under any type. Data null
 // removes the value; {"key", "remove": true} removes the key; {"key"} alone makes it. Throws UsageError.
-[[nodiscard]] RegistryValue ReadRegistryValue(const nlohmann::json& value, const std::string& place);
+[[nodiscard]] RegistryValue ReadRegistryValue(const nlohmann::json& object, const std::string& place);
 
 // A list of them.
 [[nodiscard]] std::vector<RegistryValue> ReadRegistryValues(const nlohmann::json& list, const std::string& place);

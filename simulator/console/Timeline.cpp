@@ -66,7 +66,7 @@ std::optional<Line> CallLine(const Entry& entry)
     if (entry.m_details.contains("planned-failure"))
     {
         char code[16] = {};
-        std::snprintf(code, sizeof(code), "0x%08X", entry.m_details["planned-failure"].get<unsigned>());
+        (void)std::snprintf(code, sizeof(code), "0x%08X", entry.m_details["planned-failure"].get<unsigned>());
         return Line{"windows", "lets " + entry.m_strSubject + " fail with " + code};
     }
     if (entry.m_strSubject == "IPlixCommand::Execute" || entry.m_strSubject == "IPlixCommand::ExecuteWithInput")
@@ -116,12 +116,12 @@ void Timeline::Show(const Entry& entry) const
         std::printf("\n  %s\n", line->m_strWhat.c_str());
     else
         std::printf("  %7.3f s  %-8s  %s\n", entry.m_seconds, line->m_strWho.c_str(), line->m_strWhat.c_str());
-    std::fflush(stdout);
+    (void)std::fflush(stdout);
 }
 
 void Timeline::Print(const std::string& text)
 {
     std::printf("%s\n", text.c_str());
-    std::fflush(stdout);
+    (void)std::fflush(stdout);
 }
 } // namespace Simulator

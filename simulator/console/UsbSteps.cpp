@@ -39,9 +39,9 @@ ULONG ReadPort(const nlohmann::json& value, const std::string& place)
 std::string InterfacePrefix(ULONG port)
 {
     std::string text = Narrow(UsbInstanceId(port));
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return c == '\\' ? '#' : static_cast<char>(std::tolower(c)); });
-    return "\\\\?\\" + text + "#";
+    std::ranges::transform(text, text.begin(),
+                           [](unsigned char c) { return c == '\\' ? '#' : static_cast<char>(std::tolower(c)); });
+    return R"(\\?\)" + text + "#";
 }
 
 // An agent that has asked for arrivals has handled this one when the step ends.
@@ -55,8 +55,7 @@ void WaitUntilHeard(ScenarioRun& run, ULONG port, WPARAM event)
         if (entry.m_strKind != "agent" || entry.m_strSubject != "device-change")
             return false;
         std::string name = entry.m_details.value("name", "");
-        std::transform(name.begin(), name.end(), name.begin(),
-                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+        std::ranges::transform(name, name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
         return entry.m_details.value("event", WPARAM{0}) == event && name.starts_with(prefix);
     };
     if (!run.Take(isTold))
@@ -113,7 +112,7 @@ Action ReadUsbPort(const nlohmann::json& value, const std::string& place)
         driverKey = Wide(reader.Get<std::string>("driver-key"));
     reader.Finish();
     driverKey.resize(std::min<std::size_t>(driverKey.size(), Devices::DriverKeyRoom));
-    std::copy(driverKey.begin(), driverKey.end(), answers.m_szDriverKey);
+    std::ranges::copy(driverKey, answers.m_szDriverKey);
     return [=](ScenarioRun& run) { Check(run.Devices().SetPortAnswers(answers), "the answers of the port"); };
 }
 

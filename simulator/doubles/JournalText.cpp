@@ -22,7 +22,7 @@ std::string GuidText(REFGUID guid)
 std::string HResultText(HRESULT hr)
 {
     char text[11] = {};
-    std::snprintf(text, sizeof(text), "0x%08lX", static_cast<unsigned long>(hr));
+    (void)std::snprintf(text, sizeof(text), "0x%08lX", static_cast<unsigned long>(hr));
     return text;
 }
 

@@ -7,6 +7,7 @@
 #include <objbase.h>
 
 #include <algorithm>
+#include <ranges>
 
 namespace Simulator
 {
@@ -75,14 +76,14 @@ std::vector<std::string> OrderOfLastReleases(const std::vector<std::string>& cla
 {
     const std::vector<std::string> subjects = Journal::Instance().Subjects("reference");
     std::vector<std::string> order;
-    for (auto subject = subjects.rbegin(); subject != subjects.rend(); ++subject)
+    for (const auto& subject : std::ranges::reverse_view(subjects))
     {
-        const auto name = std::find_if(classNames.begin(), classNames.end(), [&](const std::string& candidate)
-                                       { return candidate + "::Release" == *subject; });
-        if (name != classNames.end() && std::find(order.begin(), order.end(), *name) == order.end())
+        const auto name = std::ranges::find_if(classNames, [&](const std::string& candidate)
+                                               { return candidate + "::Release" == subject; });
+        if (name != classNames.end() && std::ranges::find(order, *name) == order.end())
             order.push_back(*name);
     }
-    std::reverse(order.begin(), order.end());
+    std::ranges::reverse(order);
     return order;
 }
 } // namespace Simulator

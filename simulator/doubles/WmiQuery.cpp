@@ -36,8 +36,9 @@ std::vector<std::string> Words(std::string_view text)
 
 bool IsClassName(std::string_view word)
 {
-    return std::all_of(word.begin(), word.end(), [](char character)
-                       { return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_'; });
+    return std::ranges::all_of(
+        word,
+        [](char character) { return std::isalnum(static_cast<unsigned char>(character)) != 0 || character == '_'; });
 }
 
 std::optional<long> Number(std::string_view word)
@@ -50,16 +51,15 @@ std::optional<long> Number(std::string_view word)
 
 bool EqualNames(std::string_view left, std::string_view right)
 {
-    return std::equal(
-        left.begin(), left.end(), right.begin(), right.end(), [](char a, char b)
+    return std::ranges::equal(
+        left, right, [](char a, char b)
         { return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b)); });
 }
 
 std::optional<WmiQuery> WmiQuery::Parse(std::string_view text)
 {
     const std::vector<std::string> words = Words(text);
-    const auto from =
-        std::find_if(words.begin(), words.end(), [](const auto& word) { return EqualNames(word, "from"); });
+    const auto from = std::ranges::find_if(words, [](const auto& word) { return EqualNames(word, "from"); });
     const auto behind = words.end() - from;
     if (words.empty() || !EqualNames(words.front(), "select") || from - words.begin() < 2 || behind < 2 ||
         !IsClassName(from[1]))

@@ -69,13 +69,17 @@ HRESULT WINAPI GetFactory(HSTRING classId, REFIID iid, void** factory)
 HRESULT WINAPI CreateString(LPCWSTR text, UINT32 length, HSTRING* string)
 {
     const HRESULT hr = BeginCall("WindowsCreateString", string);
-    return FAILED(hr) ? hr : Real().m_pfnCreateString(text, length, string);
+    if (FAILED(hr) || Real().m_pfnCreateString == nullptr)
+        return FAILED(hr) ? hr : E_NOTIMPL;
+    return Real().m_pfnCreateString(text, length, string);
 }
 
 HRESULT WINAPI CreateReference(LPCWSTR text, UINT32 length, HSTRING_HEADER* header, HSTRING* string)
 {
     const HRESULT hr = BeginCall("WindowsCreateStringReference", string);
-    return FAILED(hr) ? hr : Real().m_pfnCreateReference(text, length, header, string);
+    if (FAILED(hr) || Real().m_pfnCreateReference == nullptr)
+        return FAILED(hr) ? hr : E_NOTIMPL;
+    return Real().m_pfnCreateReference(text, length, header, string);
 }
 } // namespace
 

@@ -46,7 +46,7 @@ XmlNode* XmlNodeBase::Sibling(int step) const
     if (Node().m_pParent == nullptr || Node().m_type == Abi::XmlNodeType_Attribute)
         return nullptr;
     const auto& siblings = Node().m_pParent->m_lstChildren;
-    const auto place = std::find(siblings.begin(), siblings.end(), &Node()) - siblings.begin() + step;
+    const auto place = std::ranges::find(siblings, &Node()) - siblings.begin() + step;
     return place < 0 || place >= std::ssize(siblings) ? nullptr : siblings[static_cast<std::size_t>(place)];
 }
 

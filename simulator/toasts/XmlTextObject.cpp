@@ -24,7 +24,7 @@ HRESULT XmlTextObject::SplitText(UINT32 offset, Abi::IXmlText** secondPart)
     XmlNode& rest = Tree().CreateText(Node().m_strValue.substr(offset));
     if (XmlNode* parent = Node().m_pParent; parent != nullptr)
     {
-        const auto next = std::find(parent->m_lstChildren.begin(), parent->m_lstChildren.end(), &Node()) + 1;
+        const auto next = std::ranges::find(parent->m_lstChildren, &Node()) + 1;
         hr = Tree().Insert(*parent, rest, next == parent->m_lstChildren.end() ? nullptr : *next);
         if (FAILED(hr))
             return hr;

@@ -16,8 +16,7 @@ bool CanHold(const XmlNode& parent, const XmlNode& child)
         return child.m_type == Abi::XmlNodeType_Text;
     case Abi::XmlNodeType_Document:
         return child.m_type == Abi::XmlNodeType_Element &&
-               std::all_of(parent.m_lstChildren.begin(), parent.m_lstChildren.end(),
-                           [&child](const XmlNode* other) { return other == &child; });
+               std::ranges::all_of(parent.m_lstChildren, [&child](const XmlNode* other) { return other == &child; });
     default:
         return false;
     }
@@ -51,8 +50,8 @@ std::wstring XmlNode::Text() const
 
 XmlNode* XmlNode::Attribute(std::wstring_view name) const
 {
-    const auto found = std::find_if(m_lstAttributes.begin(), m_lstAttributes.end(),
-                                    [name](const XmlNode* attribute) { return attribute->m_strName == name; });
+    const auto found = std::ranges::find_if(m_lstAttributes,
+                                            [name](const XmlNode* attribute) { return attribute->m_strName == name; });
     return found == m_lstAttributes.end() ? nullptr : *found;
 }
 
@@ -133,8 +132,7 @@ HRESULT XmlTree::Insert(XmlNode& parent, XmlNode& child, XmlNode* reference)
         return S_OK;
     Detach(child);
     auto& children = parent.m_lstChildren;
-    children.insert(reference == nullptr ? children.end() : std::find(children.begin(), children.end(), reference),
-                    &child);
+    children.insert(reference == nullptr ? children.end() : std::ranges::find(children, reference), &child);
     child.m_pParent = &parent;
     return S_OK;
 }
@@ -159,7 +157,7 @@ HRESULT XmlTree::SetAttribute(XmlNode& element, XmlNode& attribute, XmlNode** pr
         return S_OK;
     if (current != nullptr)
     {
-        std::replace(element.m_lstAttributes.begin(), element.m_lstAttributes.end(), current, &attribute);
+        std::ranges::replace(element.m_lstAttributes, current, &attribute);
         current->m_pParent = nullptr;
         *previous = current;
     }

@@ -115,7 +115,7 @@ void CNotificationsHandler::ShowMessage(std::size_t position, std::int32_t messa
 
 void CNotificationsHandler::ShowBillboardMessage()
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     EndWithRecord(trace,
                   [this]
                   {

@@ -54,7 +54,7 @@ bool ReadUSBCSupported(const TraceScope& trace, IPlixCommand* command)
 
 void CNotificationsHandler::Init()
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     m_bUsingACPIUsbCEvent = false;
     m_bUSBCSupported = false;
     AskPlatform(trace);

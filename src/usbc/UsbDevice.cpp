@@ -121,7 +121,7 @@ std::wstring HubPath(const DeviceInformationSet& hubs, SP_DEVINFO_DATA& device)
 
 void CUsbDevice::Init(HWND /*window*/, const DEV_BROADCAST_HDR* header)
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     try
     {
         if (header == nullptr)
@@ -141,7 +141,7 @@ void CUsbDevice::Init(HWND /*window*/, const DEV_BROADCAST_HDR* header)
 
 void CUsbDevice::GetDeviceInfo()
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     try
     {
         const DeviceInformationSet devices(&g_usbDeviceClass, DIGCF_ALLCLASSES | DIGCF_DEVICEINTERFACE);
@@ -180,7 +180,7 @@ bool CUsbDevice::IsArrivedDevice(std::wstring_view instanceId)
 
 std::wstring CUsbDevice::GetHubName(const std::wstring& hubInstanceId)
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     try
     {
         const DeviceInformationSet hubs(&g_usbHubClass, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);

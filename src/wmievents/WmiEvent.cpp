@@ -10,7 +10,7 @@ namespace Notifications::OrvikWmiEvents
 {
 WmiEvent::~WmiEvent()
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
 }
 
 HRESULT WmiEvent::Register(int nEventID, COrvikWmiEvents* owner, BiosEventCallbacks::WithParams callbackWithParams)
