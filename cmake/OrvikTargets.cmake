@@ -13,10 +13,12 @@ target_compile_options(orvik_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-unknown-pragmas -Werror
     -fstack-protector-strong -ffunction-sections -fdata-sections
     "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=.")
-# clang alone: HRESULT, DWORD and LPARAM meet in every second line, and Windows' own macros declare a COM method as
-# never throwing and leave that out where it is defined.
+# clang alone: the thread-local variables of the first compiler's library are found by its way alone; HRESULT, DWORD and
+# LPARAM meet in every second line, and Windows' own macros declare a COM method as never throwing and leave that out where
+# it is defined.
 target_compile_options(orvik_options INTERFACE
-    $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion -Wno-missing-exception-spec -Wno-microsoft-exception-spec>)
+    $<$<CXX_COMPILER_ID:Clang>:-femulated-tls -Wno-sign-conversion -Wno-missing-exception-spec
+        -Wno-microsoft-exception-spec>)
 target_include_directories(orvik_options INTERFACE "${CMAKE_SOURCE_DIR}/src" "${CMAKE_SOURCE_DIR}")
 target_link_options(orvik_options INTERFACE
     -static -fstack-protector-strong -Wl,--gc-sections -Wl,--no-insert-timestamp

@@ -15,8 +15,6 @@ set(CMAKE_C_COMPILER_TARGET x86_64-w64-windows-gnu)
 
 # clang would take the highest directory of /usr/lib/gcc, which may be that of the other thread variant.
 string(JOIN " " CMAKE_CXX_FLAGS_INIT
-    # The thread-local variables of the first one's library are found by its way alone.
-    "-femulated-tls"
     "-nostdinc++"
     "-isystem ${ORVIK_GCC_FOLDER}/include/c++"
     "-isystem ${ORVIK_GCC_FOLDER}/include/c++/x86_64-w64-mingw32"

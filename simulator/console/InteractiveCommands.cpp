@@ -31,7 +31,7 @@ unsigned ToastNumber(const std::string& text)
 bool IsOn(const std::string& text)
 {
     if (text != "on" && text != "off")
-        throw UsageError("\"on\" or \"off\" is expected");
+        throw UsageError(R"("on" or "off" is expected)");
     return text == "on";
 }
 

@@ -92,7 +92,7 @@ PublicWMIEventSink::PublicWMIEventSink(COrvikWmiEvents* owner, PublicEventCallba
 
 PublicWMIEventSink::~PublicWMIEventSink()
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
 }
 
 HRESULT PublicWMIEventSink::Indicate(long lObjectCount, IWbemClassObject** apObjArray)

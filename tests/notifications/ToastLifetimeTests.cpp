@@ -151,7 +151,7 @@ TEST_F(ToastLifetimeTest, Events_OfManyToastsAtOnce_AreAllHandled)
     constexpr unsigned toasts = 40;
     for (unsigned i = 0; i < toasts; ++i)
         Show(L"Title");
-    const auto end = [this](unsigned first, auto action)
+    const auto end = [](unsigned first, auto action)
     {
         for (unsigned number = first; number <= toasts; number += 4)
             EXPECT_EQ(action(number), S_OK);

@@ -48,7 +48,7 @@ private:
 constexpr WORD English = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US);
 static_assert(English == 1033);
 
-inline constexpr WORD TypeNumber(const wchar_t* type)
+inline WORD TypeNumber(const wchar_t* type)
 {
     return static_cast<WORD>(reinterpret_cast<ULONG_PTR>(type));
 }
