@@ -1,3 +1,4 @@
+#include "app/FirmwareStartUp.h"
 #include "app/MainWindow.h"
 #include "app/ProcessInstances.h"
 #include "app/StartUp.h"
@@ -48,7 +49,7 @@ int APIENTRY wWinMain(HINSTANCE instance, HINSTANCE, LPWSTR, int)
     CreateNotificationsHandler(ORVIK_FUNCTION, iconPath);
     StartUsbCEvents(ORVIK_FUNCTION, iconPath);
     if (hub != nullptr)
-        TakeStep(ORVIK_FUNCTION, [hub] { static_cast<void>(hub->RegisterGPIOWMIEvent()); });
+        RegisterFirmwareEvents(ORVIK_FUNCTION, *hub);
 
     const int exitCode = RunMessageLoop(accelerators);
     sessionMutex.reset();

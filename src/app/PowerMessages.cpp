@@ -18,10 +18,15 @@ void OnResume(HWND hwnd)
     Sleep(g_dwSettlingTime);
     LogMessage(L"Get and Show message for any USBC event that might occur while system is sleeping");
     TakeStep(g_szWndProc, &DisplayExistingMessages);
-    if (auto* const hub = g_pWmiHandler.Get(); hub != nullptr && IsWindows8OrGreater())
+    if (auto* const hub = g_pWmiHandler.Get(); hub != nullptr)
     {
-        LogMessage(L"check smart adapter status");
-        TakeStep(g_szWndProc, [hub] { hub->ProcessSmartAdapterEvent(); });
+        if (IsWindows8OrGreater())
+        {
+            LogMessage(L"check smart adapter status");
+            TakeStep(g_szWndProc, [hub] { hub->ProcessSmartAdapterEvent(); });
+        }
+        LogMessage(L"log any new Veritor log occurred while system is sleeping");
+        hub->ProcessVeritorLog(0);
     }
     SetForegroundWindow(hwnd);
 }

@@ -1,12 +1,7 @@
 #pragma once
 
 #include "platform/UniqueBstr.h"
-
-#include <comdef.h>
-#include <msxml2.h>
-
-inline constexpr IID g_xmlDomDocument = {0x2933BF81, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
-_COM_SMARTPTR_TYPEDEF(IXMLDOMDocument, g_xmlDomDocument);
+#include "platform/XmlPointers.h"
 
 // One XML text, parsed by MSXML 3.0; callers walk the document themselves. Blanks between elements are kept as text
 // nodes, nothing outside the text is ever loaded. Belongs to one thread, which has initialised COM.

@@ -26,6 +26,12 @@ struct EventSourceCloser
     void operator()(HANDLE source) const noexcept { DeregisterEventSource(source); }
 };
 
+struct EventLogCloser
+{
+    using pointer = HANDLE;
+    void operator()(HANDLE log) const noexcept { CloseEventLog(log); }
+};
+
 struct FileCloser
 {
     void operator()(std::FILE* file) const noexcept { (void)std::fclose(file); }
@@ -35,6 +41,7 @@ struct FileCloser
 using UniqueHandle = std::unique_ptr<HANDLE, HandleCloser>;
 using UniqueRegKey = std::unique_ptr<HKEY, RegKeyCloser>;
 using UniqueEventSource = std::unique_ptr<HANDLE, EventSourceCloser>;
+using UniqueEventLog = std::unique_ptr<HANDLE, EventLogCloser>;
 using UniqueFile = std::unique_ptr<std::FILE, FileCloser>;
 
 // Lends a call the place where it writes a new resource; the owner takes it when the full expression ends:

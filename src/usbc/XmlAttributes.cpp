@@ -1,6 +1,5 @@
 #include "usbc/XmlAttributes.h"
 
-#include "platform/ComError.h"
 #include "shared/OwnerTypes.h"
 
 #include <cwchar>
@@ -21,14 +20,6 @@ IXMLDOMNodePtr AttributeNode(IXMLDOMNode* node, const wchar_t* name)
     return spAttribute;
 }
 } // namespace
-
-UniqueBstr MakeBstr(const wchar_t* text)
-{
-    UniqueBstr made(SysAllocString(text));
-    if (!made)
-        _com_issue_error(E_OUTOFMEMORY);
-    return made;
-}
 
 IXMLDOMNodePtr SelectNode(IXMLDOMDocument* document, const wchar_t* path)
 {

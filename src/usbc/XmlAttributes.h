@@ -1,18 +1,9 @@
 #pragma once
 
 #include "platform/UniqueBstr.h"
-#include "platform/XmlDocument.h"
+#include "platform/XmlPointers.h"
 
 #include <cstdint>
-
-inline constexpr IID g_xmlDomNode = {0x2933BF80, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
-inline constexpr IID g_xmlDomNamedNodeMap = {
-    0x2933BF83, 0x7B36, 0x11D2, {0xB2, 0x0E, 0x00, 0xC0, 0x4F, 0x98, 0x3E, 0x60}};
-_COM_SMARTPTR_TYPEDEF(IXMLDOMNode, g_xmlDomNode);
-_COM_SMARTPTR_TYPEDEF(IXMLDOMNamedNodeMap, g_xmlDomNamedNodeMap);
-
-// A new text. It raises instead of giving null.
-[[nodiscard]] UniqueBstr MakeBstr(const wchar_t* text);
 
 // Steps through a document of MSXML, which answers success without an object for what is not there. Each raises
 // _com_error with E_OUTOFMEMORY when a text cannot be allocated.

@@ -2,8 +2,8 @@
 
 namespace Notifications::OrvikWmiEvents
 {
-HRESULT AskPlatform(const Orvik::Shared::TraceScope& trace, const wchar_t* supportCommand, bool* showPrivacyDialog,
-                    bool& isWanted)
+HRESULT AskPlatform(const Orvik::Shared::TraceScope& trace, const wchar_t* supportCommand,
+                    std::atomic<bool>* showPrivacyDialog, bool& isWanted)
 {
     isWanted = false;
     IPlixCommandPtr spCommand;

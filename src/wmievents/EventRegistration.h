@@ -4,6 +4,7 @@
 #include "wmievents/PublicWmiEvent.h"
 #include "wmievents/WmiEvent.h"
 
+#include <atomic>
 #include <memory>
 
 namespace Notifications::OrvikWmiEvents
@@ -20,7 +21,7 @@ struct EventRegistration
     // A platform command that must answer true first; null when nothing is asked.
     const wchar_t* m_pSupportCommand;
     // Set once the platform command object exists; null when the event has no say in it.
-    bool* m_pbShowPrivacyDialog;
+    std::atomic<bool>* m_pbShowPrivacyDialog;
     Orvik::Shared::WideFormat<HRESULT> m_registerFailed;
     Orvik::Shared::WideFormat<HRESULT> m_invalidCommand;
     Orvik::Shared::WideFormat<HRESULT> m_otherFailure;
@@ -42,7 +43,7 @@ inline HRESULT Subscribe(PublicWmiEvent& event, const wchar_t* eventClass, COrvi
 // the support command answers true unless that is null. The object is given back. isWanted: whether to subscribe; the
 // result is the last step's. Raises _com_error as SendCommand does.
 [[nodiscard]] HRESULT AskPlatform(const Orvik::Shared::TraceScope& trace, const wchar_t* supportCommand,
-                                  bool* showPrivacyDialog, bool& isWanted);
+                                  std::atomic<bool>* showPrivacyDialog, bool& isWanted);
 
 // The steps of every registration, under the name of the operation whose trace is given. A former subscription in the
 // row's member is destroyed without being unregistered; one whose registration fails stays there.

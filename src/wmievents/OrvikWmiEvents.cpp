@@ -35,7 +35,11 @@ COrvikWmiEvents::~COrvikWmiEvents()
 {
     TraceScope trace(ORVIK_FUNCTION);
     UnregisterExisting(m_pSmartAdapterEvent);
+    UnregisterExisting(m_pVeritorEvent);
     UnregisterExisting(m_pUSBCEvent);
+    UnregisterExisting(m_pFirmwareEvent);
+    UnregisterExisting(m_pPrivacyPanelEvent);
+    UnregisterExisting(m_pFirmwareRuntimeEvent);
     UnregisterExisting(m_pPublicEvent);
     CoUninitialize();
     DeleteCriticalSection(&g_csLogging);
