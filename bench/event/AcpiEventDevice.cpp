@@ -1,6 +1,6 @@
 #include "bench/event/AcpiEventDevice.h"
 
-#include "bench/event/EventClock.h"
+#include "bench/support/EventClock.h"
 #include "usbc/AcpiUsbCMonitor.h"
 
 #include <windows.h>

@@ -1,4 +1,4 @@
-#include "bench/event/Crossings.h"
+#include "bench/support/Crossings.h"
 
 #include <windows.h>
 

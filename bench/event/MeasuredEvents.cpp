@@ -1,6 +1,6 @@
 #include "bench/event/MeasuredEvents.h"
 
-#include "bench/event/Crossings.h"
+#include "bench/support/Crossings.h"
 #include "shared/Logger.h"
 #include "simulator/doubles/WmiEventSource.h"
 #include "simulator/model/CallPlan.h"

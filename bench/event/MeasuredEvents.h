@@ -1,7 +1,7 @@
 #pragma once
 
-#include "bench/event/EventClock.h"
 #include "bench/event/SimulatedAgent.h"
+#include "bench/support/EventClock.h"
 
 #include <cstddef>
 

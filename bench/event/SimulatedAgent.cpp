@@ -2,7 +2,7 @@
 
 #include "app/MainWindow.h"
 #include "app/ProcessInstances.h"
-#include "bench/event/Crossings.h"
+#include "bench/support/Crossings.h"
 #include "shared/Log.h"
 #include "simulator/model/Facts.h"
 #include "usbc/AcpiUsbCMonitor.h"

@@ -13,10 +13,24 @@ namespace
 {
 constexpr CLSID g_domDocument30 = {0xF5078F32, 0xC551, 0x11D3, {0x89, 0xB9, 0x00, 0x00, 0xF8, 0x1F, 0xE2, 0x21}};
 
-// Anywhere, in a comment too: no sound text holds it.
-bool HasDocumentType(BSTR text)
+// Whether the text has a document type before its first element, the only place for one. Comments and instructions may
+// stand before it.
+bool HasDocumentType(std::wstring_view text)
 {
-    return std::wstring_view(text, SysStringLen(text)).find(L"<!DOCTYPE") != std::wstring_view::npos;
+    std::size_t position = text.find(L'<');
+    while (position != std::wstring_view::npos)
+    {
+        text.remove_prefix(position);
+        if (text.starts_with(L"<!--"))
+            position = text.find(L"-->", 4);
+        else if (text.starts_with(L"<?"))
+            position = text.find(L"?>", 2);
+        else
+            return text.starts_with(L"<!DOCTYPE");
+        if (position != std::wstring_view::npos)
+            position = text.find(L'<', position);
+    }
+    return false;
 }
 } // namespace
 
@@ -58,7 +72,7 @@ HRESULT XmlDocument::Configure()
 
 HRESULT XmlDocument::Parse(BSTR text)
 {
-    if (HasDocumentType(text))
+    if (HasDocumentType({text, SysStringLen(text)}))
     {
         // A parser that allows declarations expands their entities without bound.
         Orvik::Shared::Log(Orvik::Shared::Level::Information, ORVIK_FUNCTION,

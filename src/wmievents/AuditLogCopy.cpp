@@ -11,17 +11,25 @@ namespace Notifications::OrvikWmiEvents
 {
 namespace
 {
-// Raises _com_error and std::bad_alloc.
+// Both raise _com_error and std::bad_alloc.
+HRESULT SendForAuditLog(const TraceScope& trace, IPlixCommand* command, std::wstring& xml)
+{
+    HRESULT hr = S_OK;
+    const _variant_t output = SendCommand(trace, command, L"EmbeddedController.AuditLog", &hr);
+    trace.Verbose(L"Calling EmbeddedController.AuditLog passed.");
+    if (output.vt == VT_BSTR && output.bstrVal != nullptr)
+        xml = output.bstrVal;
+    return hr;
+}
+
 HRESULT AskForAuditLog(const TraceScope& trace, std::wstring& xml)
 {
     IPlixCommandPtr spCommand;
     HRESULT hr = CreateCommand(trace, spCommand);
     if (FAILED(hr) || !spCommand)
         return hr;
-    const _variant_t output = SendCommand(trace, spCommand, L"EmbeddedController.AuditLog", &hr);
-    trace.Verbose(L"Calling EmbeddedController.AuditLog passed.");
-    if (output.vt == VT_BSTR && output.bstrVal != nullptr)
-        xml = output.bstrVal;
+    hr = SendForAuditLog(trace, spCommand, xml);
+    spCommand = nullptr;
     trace.Verbose(L"VR Log Data:");
     trace.Verbose(L"%s", xml.c_str());
     return hr;
@@ -86,7 +94,7 @@ HRESULT CopyAuditLog(const TraceScope& trace) noexcept
     catch (...)
     {
         // Between fetch and walk only memory is asked for.
-        trace.Information(L"There is no memory for the audit log.");
+        trace.Error(L"There is no memory for the audit log.");
         return E_OUTOFMEMORY;
     }
 }

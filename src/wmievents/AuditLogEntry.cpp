@@ -1,9 +1,12 @@
 #include "wmievents/AuditLogEntry.h"
 
+#include "platform/RequireObject.h"
 #include "platform/UniqueBstr.h"
 #include "shared/OwnerTypes.h"
 
+#include <algorithm>
 #include <cwchar>
+#include <iterator>
 #include <utility>
 
 using Orvik::Shared::ReceiveInto;
@@ -20,20 +23,28 @@ constexpr std::pair<const wchar_t*, std::wstring AuditLogEntry::*> g_fields[] = 
     {L"logtype", &AuditLogEntry::m_strLogType}};
 } // namespace
 
-void ReadField(IXMLDOMNode* element, AuditLogEntry& entry)
+HRESULT ReadField(IXMLDOMNode* node, AuditLogEntry& entry)
 {
     UniqueBstr name;
-    if (FAILED(element->get_nodeName(ReceiveInto(name))) || !name)
-        return;
-    for (const auto& [fieldName, field] : g_fields)
-    {
-        if (_wcsicmp(name.get(), fieldName) != 0)
-            continue;
-        UniqueBstr text;
-        if (SUCCEEDED(element->get_text(ReceiveInto(text))) && text)
-            entry.*field = text.get();
-        return;
-    }
+    HRESULT hr = node->get_nodeName(ReceiveInto(name));
+    if (FAILED(hr) || !name)
+        return RequireObject(hr, name);
+    const auto* const found =
+        std::ranges::find_if(g_fields, [&name](const auto& field) { return _wcsicmp(name.get(), field.first) == 0; });
+    if (found == std::end(g_fields))
+        return S_OK;
+
+    // A processing instruction has a name as well.
+    DOMNodeType type = NODE_INVALID;
+    hr = node->get_nodeType(&type);
+    if (FAILED(hr) || type != NODE_ELEMENT)
+        return hr;
+    UniqueBstr text;
+    hr = node->get_text(ReceiveInto(text));
+    if (FAILED(hr) || !text)
+        return RequireObject(hr, text);
+    entry.*(found->second) = text.get();
+    return S_OK;
 }
 
 int EventIdNumber(const std::wstring& eventId)

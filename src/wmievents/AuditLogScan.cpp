@@ -54,13 +54,13 @@ void LogKeys(const TraceScope& trace)
 
 void Scan(const TraceScope& trace)
 {
+    RecordBuffer buffer;
     UniqueEventLog log(OpenEventLogW(nullptr, VeritorEventSourceName));
     if (!log)
     {
         trace.Information(L"OpenEventLog failed with 0x%x.\n", GetLastError());
         return;
     }
-    RecordBuffer buffer;
     if (!buffer.Grow(g_dwFirstSize))
     {
         trace.Information(L"Failed to allocate the initial memory for the record buffer.");

@@ -1,5 +1,6 @@
 #include "wmievents/AuditLogCopy.h"
 
+#include "platform/RequireObject.h"
 #include "shared/OwnerTypes.h"
 #include "shared/TraceScope.h"
 #include "wmievents/AuditLogEntry.h"
@@ -16,34 +17,32 @@ namespace Notifications::OrvikWmiEvents
 {
 namespace
 {
-// The children of a node of the document; null when it has no list of them.
+// The children of a node of the document, and how many they are.
 template <class Node>
-IXMLDOMNodeListPtr ChildrenOf(Node* node, long& count)
+HRESULT GetChildren(Node* node, IXMLDOMNodeListPtr& spChildren, long& count)
 {
-    count = 0;
-    IXMLDOMNodeListPtr spChildren;
-    if (FAILED(node->get_childNodes(&spChildren)) || !spChildren || FAILED(spChildren->get_length(&count)))
-        count = 0;
-    return spChildren;
+    HRESULT hr = node->get_childNodes(&spChildren);
+    hr = RequireObject(hr, spChildren);
+    return FAILED(hr) ? hr : spChildren->get_length(&count);
 }
 
-IXMLDOMNodePtr ItemOf(IXMLDOMNodeList* list, long index)
+HRESULT GetItem(IXMLDOMNodeList* list, long index, IXMLDOMNodePtr& spItem)
 {
-    IXMLDOMNodePtr spItem;
-    if (FAILED(list->get_item(index, &spItem)))
-        return {};
-    return spItem;
+    const HRESULT hr = list->get_item(index, &spItem);
+    return RequireObject(hr, spItem);
 }
 
-AuditLogEntry ReadEntry(IXMLDOMNodeList* fields, long count)
+HRESULT ReadFields(IXMLDOMNodeList* fields, long count, AuditLogEntry& entry)
 {
-    AuditLogEntry entry;
-    for (long i = 0; i < count; ++i)
+    HRESULT hr = S_OK;
+    for (long i = 0; i < count && SUCCEEDED(hr); ++i)
     {
-        if (const IXMLDOMNodePtr spField = ItemOf(fields, i))
-            ReadField(spField, entry);
+        IXMLDOMNodePtr spField;
+        hr = GetItem(fields, i, spField);
+        if (SUCCEEDED(hr))
+            hr = ReadField(spField, entry);
     }
-    return entry;
+    return hr;
 }
 
 void InsertEntry(const TraceScope& trace, const AuditLogEntry& entry)
@@ -57,19 +56,29 @@ void InsertEntry(const TraceScope& trace, const AuditLogEntry& entry)
                   entry.m_strLogType.c_str());
 }
 
-void CheckEntry(const TraceScope& trace, long index, IXMLDOMNode* node)
+// The result is that of the call that kept the entry from being read.
+HRESULT CheckEntry(const TraceScope& trace, IXMLDOMNodeList* entries, long index)
 {
+    IXMLDOMNodePtr spEntry;
+    HRESULT hr = GetItem(entries, index, spEntry);
+    if (FAILED(hr))
+        return hr;
+    IXMLDOMNodeListPtr spFields;
     long count = 0;
-    const IXMLDOMNodeListPtr spFields = ChildrenOf(node, count);
-    // Blanks between the entries are such nodes.
-    if (count == 0)
-        return;
-    const AuditLogEntry entry = ReadEntry(spFields, count);
+    hr = GetChildren(spEntry.GetInterfacePtr(), spFields, count);
+    // Blanks between the entries are nodes without children.
+    if (FAILED(hr) || count == 0)
+        return hr;
+    AuditLogEntry entry;
+    hr = ReadFields(spFields, count, entry);
+    if (FAILED(hr))
+        return hr;
     trace.Verbose(L"Check entry #%d {Num Attributes: %d]: %s|%s|%s|%s", static_cast<int>(index),
                   static_cast<int>(count), entry.m_strTimestamp.c_str(), entry.m_strEventId.c_str(),
                   entry.m_strLogType.c_str(), entry.m_strDescription.c_str());
     if (!LogEntryAlreadyInserted(entry.m_strEventId, entry.m_strSource, entry.m_strDescription, entry.m_strTimestamp))
         InsertEntry(trace, entry);
+    return S_OK;
 }
 
 void WalkEntries(const TraceScope& trace, IXMLDOMDocument* document)
@@ -78,13 +87,19 @@ void WalkEntries(const TraceScope& trace, IXMLDOMDocument* document)
     // A text that did not parse has no root, which is no failure for the system.
     if (FAILED(document->get_documentElement(&spRoot)) || !spRoot)
         return;
+    IXMLDOMNodeListPtr spEntries;
     long count = 0;
-    const IXMLDOMNodeListPtr spEntries = ChildrenOf(spRoot.GetInterfacePtr(), count);
+    if (const HRESULT hr = GetChildren(spRoot.GetInterfacePtr(), spEntries, count); FAILED(hr))
+    {
+        trace.Information(L"The entries of the audit log cannot be read. hr = 0x%X", hr);
+        return;
+    }
     // The last entry first: that order of records is what administrators know.
     for (long i = count - 1; i >= 0; --i)
     {
-        if (const IXMLDOMNodePtr spEntry = ItemOf(spEntries, i))
-            CheckEntry(trace, i, spEntry);
+        // Half an entry would be another one for ever: the next copy finds it whole.
+        if (const HRESULT hr = CheckEntry(trace, spEntries, i); FAILED(hr))
+            trace.Information(L"Entry #%d cannot be read. hr = 0x%X", static_cast<int>(i), hr);
     }
 }
 

@@ -12,7 +12,7 @@ namespace
 {
 constexpr int g_nFirmwareEvent = 21;
 constexpr int g_nFirmwareRuntimeEvent = 33;
-// Deliberately not the number that is subscribed to: the firmware sends the notice as this one alone.
+// Deliberately not the number that is subscribed to: both are as the firmware has them, so an event 33 shows nothing.
 constexpr int g_nIntrusionDetectionOff = 83;
 } // namespace
 

@@ -105,8 +105,7 @@ TEST_F(XmlDocumentTest, Load_DocumentType_IsATextThatDoesNotParseAndIsLogged)
 {
     for (const wchar_t* text :
          {L"<!DOCTYPE a><a/>", L"<?xml version=\"1.0\"?>\n<!DOCTYPE a [<!ENTITY e \"1\">]><a>&e;</a>",
-          L"<!-- c --><!DOCTYPE a SYSTEM 'a.dtd'><a/>", L"<a><!-- <!DOCTYPE a> --></a>",
-          L"<a><![CDATA[<!DOCTYPE]]></a>"})
+          L"<!-- c --><!DOCTYPE a SYSTEM 'a.dtd'><a/>", L"<!-- > --><?p ?> <!DOCTYPE a><a/>", L" \r\n<!DOCTYPE a><a/>"})
     {
         ASSERT_EQ(Load(L"<first/>"), S_OK);
         TestSupport::ClearLog();
@@ -123,10 +122,23 @@ TEST_F(XmlDocumentTest, Load_DocumentType_IsATextThatDoesNotParseAndIsLogged)
     EXPECT_EQ(NodeText(L"/a"), L"whole");
 }
 
+TEST_F(XmlDocumentTest, Load_NameOfADocumentTypeInsideTheRoot_IsText)
+{
+    for (const wchar_t* text : {L"<a><!-- <!DOCTYPE a> -->x</a>", L"<a><![CDATA[x<!DOCTYPE]]></a>",
+                                L"<!-- <!DOCTYPE a> --><a>x</a>", L"<?p <!DOCTYPE a> ?><a>x</a>"})
+    {
+        EXPECT_EQ(Load(text), S_OK) << text;
+        EXPECT_TRUE(NodeText(L"/a").starts_with(L"x")) << text;
+    }
+    EXPECT_EQ(Load(L"<!-- <!DOCTYPE a>"), E_FAIL);
+    EXPECT_EQ(Load(L"<?p <!DOCTYPE a>"), E_FAIL);
+    EXPECT_THAT(TestSupport::LogLines(), testing::IsEmpty());
+}
+
 // Behind a zero too, where a parser that reads a length would find it.
 TEST_F(XmlDocumentTest, Load_DocumentTypeBehindAZero_IsFound)
 {
-    constexpr wchar_t text[] = L"<a/>\0<!DOCTYPE a>";
+    constexpr wchar_t text[] = L"<?p ?>\0<!DOCTYPE a><a/>";
     EXPECT_EQ(m_document.Load(_bstr_t(SysAllocStringLen(text, std::size(text) - 1), false)), E_FAIL);
     EXPECT_EQ(TestSupport::LogLines().size(), 1u);
 }

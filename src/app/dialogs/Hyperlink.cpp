@@ -37,7 +37,8 @@ void TakeSupportAddress(HWND control, HWND parent)
 void PrepareFonts(HWND control)
 {
     auto* const font = reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
-    SetPropW(control, g_originalFont, font);
+    if (!SetPropW(control, g_originalFont, font))
+        return; // there would be no way back to it
     LOGFONTW shape{};
     if (GetObjectW(font, sizeof(shape), &shape) == 0)
         return;
@@ -48,9 +49,11 @@ void PrepareFonts(HWND control)
         static_cast<void>(underlined.release());
 }
 
+// Without that font the control keeps the one that it has.
 void UseFont(HWND control, const wchar_t* property)
 {
-    SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(GetPropW(control, property)), FALSE);
+    if (const HANDLE font = GetPropW(control, property); font != nullptr)
+        SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
     InvalidateRect(control, nullptr, FALSE);
 }
 
@@ -73,7 +76,7 @@ void OnMouseMove(HWND control, LPARAM position)
     ReleaseCapture();
 }
 
-// A link never opens a browser: whoever has tampered with the firmware may have tampered with what it would show.
+// A link never opens a browser, whatever address it reads as.
 void OnClick()
 {
     UINT messageId = 0;

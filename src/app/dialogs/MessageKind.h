@@ -11,7 +11,7 @@ enum class MessageKind : int
     RuntimeIntrusion = 2, // warning; the link tells of an intrusion while the system runs, string 508
     PowerOff = 3,         // error, without link
     Notice = 4,           // information, without link
-    Warning = 5           // warning; the link tells what that of the dialog before told
+    Warning = 5           // warning; the link tells what g_nLinkKind says when it is clicked
 };
 
 // What a dialog is opened with. The caller owns it and its text for as long as the dialog is open.

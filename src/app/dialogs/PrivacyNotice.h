@@ -1,7 +1,7 @@
 #pragma once
 
 // The person's wish not to see the privacy-panel notice again: the file "IgnoreLumbraDialog.txt" in their folder for
-// temporary files, which lasts until they clear that folder. Any thread.
+// temporary files, which lasts until they clear the check box of the notice, or that folder. Any thread.
 
 // True when the file opens for reading.
 [[nodiscard]] bool IsPrivacyNoticeSilenced();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "bench/event/EventClock.h"
+#include "bench/support/EventClock.h"
 #include "simulator/redirect/ImportRedirection.h"
 #include "simulator/redirect/ImportTable.h"
 

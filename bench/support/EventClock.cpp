@@ -1,4 +1,4 @@
-#include "bench/event/EventClock.h"
+#include "bench/support/EventClock.h"
 
 #include "bench/support/AllocationCount.h"
 
