@@ -39,6 +39,25 @@ bool AgentSession::IsOwn(const Entry& entry, const char* subject) const
     return entry.m_nAgent == m_channel.Number() && entry.m_strKind == "agent" && entry.m_strSubject == subject;
 }
 
+bool AgentSession::IsAnswer(const Entry& entry, int id) const
+{
+    return entry.m_nAgent == m_channel.Number() && entry.m_strKind == "machine" && entry.m_strSubject == "answer" &&
+           entry.m_details.value("id", 0) == id;
+}
+
+bool AgentSession::HangsInDialog(int id, std::chrono::milliseconds limit)
+{
+    const auto isDialog = [this](const Entry& entry)
+    {
+        return entry.m_nAgent == m_channel.Number() && entry.m_strKind == "dialog" && entry.m_strSubject == "opened" &&
+               entry.m_details.value("thread", 1u) == 0;
+    };
+    const auto entry =
+        m_entries.WaitFor(m_mapSent.at(id), limit, [&](const Entry& candidate)
+                          { return IsAnswer(candidate, id) || IsOwn(candidate, "ended") || isDialog(candidate); });
+    return entry && isDialog(*entry);
+}
+
 nlohmann::json AgentSession::Answer(int id, std::chrono::milliseconds limit)
 {
     std::optional<nlohmann::json> answer = AnswerOrEnd(id, limit);
@@ -49,18 +68,13 @@ nlohmann::json AgentSession::Answer(int id, std::chrono::milliseconds limit)
 
 std::optional<nlohmann::json> AgentSession::AnswerOrEnd(int id, std::chrono::milliseconds limit)
 {
-    const auto isAnswer = [&](const Entry& entry)
-    {
-        return entry.m_nAgent == m_channel.Number() && entry.m_strKind == "machine" && entry.m_strSubject == "answer" &&
-               entry.m_details.value("id", 0) == id;
-    };
     const std::size_t first = m_mapSent.at(id);
     m_mapSent.erase(id);
     const auto entry = m_entries.WaitFor(first, limit, [&](const Entry& candidate)
-                                         { return isAnswer(candidate) || IsOwn(candidate, "ended"); });
+                                         { return IsAnswer(candidate, id) || IsOwn(candidate, "ended"); });
     if (!entry)
         throw StepFailure("the agent did not return within " + std::to_string(limit.count()) + " ms");
-    if (!isAnswer(*entry))
+    if (!IsAnswer(*entry, id))
         return std::nullopt;
     if (!entry->m_details.value("ok", false))
         throw StepFailure(entry->m_details.value("error", "the machine could not do it"));

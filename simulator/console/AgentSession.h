@@ -24,11 +24,17 @@ public:
     // The same for a command that may end the agent: nothing when it has ended before it answered.
     std::optional<nlohmann::json> AnswerOrEnd(int id, std::chrono::milliseconds limit);
 
+    // Waits until the command is answered or hangs in a dialog: whether the thread that handles it, which is not one of
+    // the agent's own, has opened one. The answer comes when that is closed.
+    [[nodiscard]] bool HangsInDialog(int id, std::chrono::milliseconds limit);
+
     // Whether the entry is this agent's, of kind "agent" and that subject: "ready", "ended".
     [[nodiscard]] bool IsOwn(const Entry& entry, const char* subject) const;
     [[nodiscard]] AgentProcess& Process() noexcept { return *m_pProcess; }
 
 private:
+    [[nodiscard]] bool IsAnswer(const Entry& entry, int id) const;
+
     EntryLog& m_entries;
     ChannelServer m_channel;
     std::unique_ptr<AgentProcess> m_pProcess; // ends before the channel that reads from it

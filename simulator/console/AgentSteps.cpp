@@ -2,6 +2,9 @@
 
 #include <windows.h>
 
+#include <random>
+#include <thread>
+
 namespace Simulator
 {
 namespace
@@ -26,6 +29,22 @@ std::function<void(ScenarioRun&)> ReadStop(const nlohmann::json& value, const st
     const auto exitCode = reader.Get<DWORD>("exit-code", 0);
     reader.Finish();
     return [=](ScenarioRun& run) { run.Stop(message, wParam, exitCode); };
+}
+
+// {"after": ms, "within": ms}: after so many milliseconds, and at a random moment of so many more.
+std::function<void(ScenarioRun&)> ReadKill(const nlohmann::json& value, const std::string& place)
+{
+    ObjectReader reader(value, place);
+    const auto after = reader.Get<unsigned>("after", 0);
+    const auto within = reader.Get<unsigned>("within", 0);
+    reader.Finish();
+    return [=](ScenarioRun& run)
+    {
+        static std::mt19937 generator{std::random_device{}()};
+        const unsigned pause = after + std::uniform_int_distribution<unsigned>(0, within)(generator);
+        std::this_thread::sleep_for(std::chrono::milliseconds(pause));
+        run.Kill();
+    };
 }
 
 // {"exit-code": 1}
@@ -58,6 +77,10 @@ std::function<void(ScenarioRun&)> ReadMessage(const nlohmann::json& value, const
 
 std::vector<StepKind> AgentSteps()
 {
-    return {{"start", &ReadStart}, {"stop", &ReadStop}, {"second-copy", &ReadSecondCopy}, {"message", &ReadMessage}};
+    return {{"start", &ReadStart},
+            {"stop", &ReadStop},
+            {"kill-agent", &ReadKill},
+            {"second-copy", &ReadSecondCopy},
+            {"message", &ReadMessage}};
 }
 } // namespace Simulator

@@ -14,8 +14,9 @@ struct EventName
     const char* m_pName;
 };
 
-constexpr EventName g_eventNames[] = {{3, "smart adapter"},     {20, "privacy panel"}, {21, "firmware"},
-                                      {33, "firmware runtime"}, {0x20001, "USB-C"},    {0x20002, "Veritor"}};
+constexpr EventName g_eventNames[] = {{3, "smart adapter"},     {20, "privacy panel"},           {21, "firmware"},
+                                      {33, "firmware runtime"}, {83, "intrusion detection off"}, {0x20001, "USB-C"},
+                                      {0x20002, "Veritor"}};
 
 std::string DescribeNumber(long id)
 {
@@ -34,6 +35,15 @@ struct EventReading
     bool m_bWait = true;
 };
 
+// A single instance by its number, which need not be the one that was subscribed to.
+std::string DescribeObjects(const nlohmann::json& objects, const std::string& className)
+{
+    if (objects.size() == 1 && objects[0].is_object() &&
+        objects[0].value("EventID", nlohmann::json()).is_number_integer())
+        return DescribeNumber(objects[0]["EventID"].get<long>());
+    return std::to_string(objects.size()) + " events of class " + className + " at once";
+}
+
 // One instance from "id" and "data", or from "class" and "description".
 void ReadSingle(ObjectReader& reader, EventReading& event, const std::string& className)
 {
@@ -44,6 +54,8 @@ void ReadSingle(ObjectReader& reader, EventReading& event, const std::string& cl
         instance["EventID"] = id;
         instance["EventData"] = reader.Get<nlohmann::json>("data", 0);
         event.m_strDescription = DescribeNumber(id);
+        if (reader.Find("data") != nullptr)
+            event.m_strDescription += " with data " + instance["EventData"].dump();
     }
     else
     {
@@ -54,7 +66,8 @@ void ReadSingle(ObjectReader& reader, EventReading& event, const std::string& cl
 }
 
 // The number of an event, or {"id", "data"}, or {"class", "description"}, or {"class", "objects": [...], "event-id"};
-// with "threads" and "times" many at once. The step ends when the agent has handled it, with "wait": false at once.
+// with "threads" and "times" many at once. The step ends when the agent has handled it or shows a dialog meanwhile,
+// with "wait": false at once.
 EventReading ReadEventValue(const nlohmann::json& value, const std::string& place)
 {
     EventReading event;
@@ -65,7 +78,7 @@ EventReading ReadEventValue(const nlohmann::json& value, const std::string& plac
     if (const nlohmann::json* objects = reader.Find("objects"))
     {
         event.m_command["objects"] = *objects;
-        event.m_strDescription = std::to_string(objects->size()) + " events of class " + className + " at once";
+        event.m_strDescription = DescribeObjects(*objects, className);
         if (reader.Find("event-id") != nullptr)
             event.m_command["event-id"] = reader.Get<long>("event-id");
     }
@@ -90,7 +103,7 @@ Action ReadEvent(const nlohmann::json& value, const std::string& place)
         run.Mark();
         run.Say("firmware", "raises " + event.m_strDescription);
         if (event.m_bWait)
-            run.Command(event.m_command);
+            run.CommandOrDialog(event.m_command);
         else
             run.SendOnly(event.m_command);
     };

@@ -20,14 +20,16 @@ namespace
 // Silence is an answer too: the agent has handled the event by now.
 void SayWhetherQuiet(ScenarioRun& run)
 {
+    run.WaitForThreads();
     const std::vector<Entry> entries = run.SinceMark();
-    if (std::ranges::none_of(entries, [](const Entry& entry) { return entry.m_strKind == "toast"; }))
-        run.Say("check", "no toast is shown");
+    if (std::ranges::none_of(entries, [](const Entry& entry)
+                             { return entry.m_strKind == "toast" || entry.m_strKind == "dialog"; }))
+        run.Say("check", "no toast and no dialog is shown");
 }
 
 bool TellsTheAgent(const std::string& line)
 {
-    constexpr const char* words[] = {"status", "event", "bios", "plug"};
+    constexpr const char* words[] = {"status", "event", "bios", "plug", "veritor", "privacy", "intrusion"};
     return line == "acpi" || line.starts_with("acpi ") ||
            std::ranges::any_of(words, [&](const char* word) { return line.starts_with(word); });
 }

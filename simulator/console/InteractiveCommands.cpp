@@ -172,6 +172,39 @@ Steps Unplug(const std::string& rest)
     return {{{"unplug", rest.empty() ? "1" : rest}}};
 }
 
+// The event of the firmware's protection with that identifier.
+Steps Veritor(const std::string& rest)
+{
+    return {{{"event", {{"id", 0x20002}, {"data", Number(rest)}}}}};
+}
+
+Steps Privacy(const std::string& rest)
+{
+    return {{{"event", {{"id", 20}, {"data", rest.empty() ? 1 : Number(rest)}}}}};
+}
+
+// Whoever subscribed to 33 gets it.
+Steps Intrusion(const std::string&)
+{
+    const nlohmann::json notice = {{"EventID", 83}, {"EventData", 0}};
+    return {{{"event", {{"class", "orvikBEvnt"}, {"objects", {notice}}, {"event-id", 33}}}}};
+}
+
+// How, and the number of the dialog; without it, the one that was opened last.
+Steps Answer(const std::string& rest)
+{
+    const std::vector<std::string> words = Words(rest);
+    nlohmann::json answer = {{"with", words.empty() ? "ok" : words[0]}};
+    if (words.size() > 1)
+        answer["number"] = Number(words[1]);
+    return {{{"answer-dialog", answer}}};
+}
+
+Steps Look(const std::string& rest)
+{
+    return {{{"picture-dialog", rest.empty() ? "dialog.png" : rest}}};
+}
+
 struct KeyboardCommand
 {
     const char* m_pWord;
@@ -202,6 +235,11 @@ constexpr KeyboardCommand g_commands[] = {
     {"acpi-device", "on|off", "the ACPI device is there", &AcpiDevice},
     {"plug", "[PORT CLASS]", "a USB device is plugged in; class 0x11 is a billboard device", &PlugIn},
     {"unplug", "[PORT]", "a USB device is unplugged", &Unplug},
+    {"veritor", "N", "the firmware's protection reports N (0, 1, 2, 4 and 5 show a dialog)", &Veritor},
+    {"privacy", "[N]", "the privacy panel reports N; 1: it is not supported", &Privacy},
+    {"intrusion", "", "the firmware's protection against intrusions has been switched off", &Intrusion},
+    {"answer", "[HOW N]", "answer a dialog with ok, close, esc, check or link", &Answer},
+    {"look", "[FILE]", "write a picture of the dialog (with --pictures)", &Look},
     {"copy", "", "start a second copy of the agent", &Copy},
 };
 } // namespace

@@ -81,35 +81,10 @@ Action ReadExpectNoLog(const nlohmann::json& value, const std::string& place)
         }
     };
 }
-
-// {"source", "type", "event-id", "contains"}: a record of the Windows event log.
-Action ReadExpectRecord(const nlohmann::json& value, const std::string& place)
-{
-    ObjectReader reader(value, place);
-    const auto source = reader.Get<std::string>("source");
-    const auto type = reader.Get<std::string>("type", "");
-    const auto eventId = reader.Get<int>("event-id", -1);
-    const auto contains = reader.Get<std::string>("contains", "");
-    reader.Finish();
-    return [=](ScenarioRun& run)
-    {
-        const auto entry = run.Take(
-            [&](const Entry& candidate)
-            {
-                return candidate.m_strKind == "event-log" && candidate.m_strSubject == source &&
-                       (type.empty() || candidate.m_details.value("type", "") == type) &&
-                       (eventId < 0 || candidate.m_details.value("event-id", -1) == eventId) &&
-                       candidate.m_details.value("strings", nlohmann::json::array()).dump().find(contains) !=
-                           std::string::npos;
-            });
-        if (!entry)
-            throw StepFailure("no record of " + source + " like that was written to the event log");
-    };
-}
 } // namespace
 
 std::vector<StepKind> LogExpectations()
 {
-    return {{"expect-log", &ReadExpectLog}, {"expect-no-log", &ReadExpectNoLog}, {"expect-record", &ReadExpectRecord}};
+    return {{"expect-log", &ReadExpectLog}, {"expect-no-log", &ReadExpectNoLog}};
 }
 } // namespace Simulator

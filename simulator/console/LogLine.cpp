@@ -1,17 +1,14 @@
 #include "simulator/console/LogLine.h"
 
+#include "simulator/console/EventRecords.h"
+
 #include <array>
 
 namespace Simulator
 {
-namespace
-{
-constexpr char g_diagnosticSource[] = "OrvikNotifications";
-} // namespace
-
 std::optional<LogLine> ReadLogLine(const Entry& entry)
 {
-    if (entry.m_strKind != "event-log" || entry.m_strSubject != g_diagnosticSource)
+    if (entry.m_strKind != "event-log" || entry.m_strSubject != DiagnosticSource)
         return std::nullopt;
     const nlohmann::json strings = entry.m_details.value("strings", nlohmann::json::array());
     if (strings.size() != 1 || !strings[0].is_string())

@@ -34,7 +34,8 @@ void ScenarioRun::Start(std::optional<DWORD> exitCode)
     m_pAgent = std::make_unique<AgentSession>(m_entries, m_options, m_facts, m_environment);
     m_facts.erase("plan");
     const auto entry =
-        m_entries.WaitFor(m_nMark, ProcessLimit, [this](const Entry& candidate)
+        m_entries.WaitFor(m_nMark, ProcessLimit,
+                          [this](const Entry& candidate)
                           { return m_pAgent->IsOwn(candidate, "ready") || m_pAgent->IsOwn(candidate, "ended"); });
     if (!entry)
         throw StepFailure("the agent did not reach its message loop");
@@ -85,6 +86,19 @@ void ScenarioRun::CheckEnd(DWORD exitCode)
                           std::to_string(exitCode));
 }
 
+void ScenarioRun::Kill()
+{
+    Mark();
+    Say("you", "end the agent's process by force");
+    AgentProcess& process = Agent().Process();
+    if (const std::optional<DWORD> code = process.WaitForExit(std::chrono::milliseconds(0)))
+        throw StepFailure("the agent had ended by itself with code " + std::to_string(*code));
+    process.Terminate();
+    m_pAgent.reset();
+    m_lstUnanswered.clear();
+    Say("windows", "the agent's process is gone");
+}
+
 void ScenarioRun::MergeFacts(const nlohmann::json& facts)
 {
     OverlayFacts(m_facts, facts);
@@ -110,6 +124,16 @@ nlohmann::json ScenarioRun::Command(nlohmann::json command)
     return agent.Answer(agent.Send(std::move(command)), m_options.m_limit);
 }
 
+void ScenarioRun::CommandOrDialog(nlohmann::json command)
+{
+    AgentSession& agent = Agent();
+    const int id = agent.Send(std::move(command));
+    if (agent.HangsInDialog(id, m_options.m_limit))
+        m_lstUnanswered.push_back(id);
+    else
+        agent.Answer(id, m_options.m_limit);
+}
+
 void ScenarioRun::SendOnly(nlohmann::json command)
 {
     m_lstUnanswered.push_back(Agent().Send(std::move(command)));
@@ -120,6 +144,34 @@ void ScenarioRun::WaitForHandled()
     for (const int id : m_lstUnanswered)
         Agent().Answer(id, m_options.m_limit);
     m_lstUnanswered.clear();
+}
+
+void ScenarioRun::WaitForThreads()
+{
+    // A thread may have started another one meanwhile.
+    std::size_t next = m_nMark;
+    for (auto entries = m_entries.From(next); !entries.empty(); entries = m_entries.From(next))
+    {
+        for (const Entry& entry : entries)
+        {
+            if (entry.m_strKind == "thread" && entry.m_strSubject == "started")
+                WaitForThread(entry);
+        }
+        next += entries.size();
+    }
+}
+
+void ScenarioRun::WaitForThread(const Entry& started)
+{
+    const auto isRest = [&started](const Entry& entry)
+    {
+        const bool isEnd = entry.m_strKind == "thread" && entry.m_strSubject == "ended";
+        const bool isDialog = entry.m_strKind == "dialog" && entry.m_strSubject == "opened";
+        return (isEnd || isDialog) && entry.m_nAgent == started.m_nAgent &&
+               entry.m_details.value(isEnd ? "number" : "thread", 0u) == started.m_details.value("number", 0u);
+    };
+    if (!m_entries.WaitFor(started.m_nIndex, m_options.m_limit, isRest))
+        throw StepFailure("a thread that the agent has started goes on");
 }
 
 void ScenarioRun::WaitUntilIdle()
@@ -162,8 +214,9 @@ std::vector<Entry> ScenarioRun::SinceMark() const
 
 std::optional<Entry> ScenarioRun::Take(const EntryTest& test, std::optional<std::chrono::milliseconds> limit)
 {
-    auto found = m_entries.WaitFor(m_nMark, limit.value_or(m_options.m_limit), [&](const Entry& entry)
-                                   { return !m_setTaken.contains(entry.m_nIndex) && test(entry); });
+    auto found =
+        m_entries.WaitFor(m_nMark, limit.value_or(m_options.m_limit),
+                          [&](const Entry& entry) { return !m_setTaken.contains(entry.m_nIndex) && test(entry); });
     if (found)
         m_setTaken.insert(found->m_nIndex);
     return found;

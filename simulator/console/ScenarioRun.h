@@ -25,6 +25,8 @@ public:
     // Posts the message to the main window, waits for the end and compares the exit code.
     void Stop(unsigned message, std::uint64_t wParam, DWORD exitCode);
     void CheckEnd(DWORD exitCode);
+    // Ends the agent's process in the midst of whatever it does.
+    void Kill();
     [[nodiscard]] bool IsRunning() const noexcept { return m_pAgent != nullptr; }
 
     // Overlays the facts, also those of the running machine.
@@ -33,9 +35,15 @@ public:
     void Plan(const nlohmann::json& plan);
     // Carries out a command of the machine and returns its answer.
     nlohmann::json Command(nlohmann::json command);
+    // The same for a command that may open a dialog on a thread of Windows: it then stays unanswered, for
+    // WaitForHandled.
+    void CommandOrDialog(nlohmann::json command);
     // Only sends it; WaitForHandled waits for all that were sent so.
     void SendOnly(nlohmann::json command);
     void WaitForHandled();
+
+    // Waits until each thread that the agent has started since the mark has ended or shows a dialog.
+    void WaitForThreads();
 
     // Waits until the agent's main thread has handled every message that was posted to it before.
     void WaitUntilIdle();
@@ -61,6 +69,7 @@ public:
 private:
     AgentSession& Agent();
     [[nodiscard]] bool HasAskedForArrivals() const;
+    void WaitForThread(const Entry& started);
 
     EntryLog& m_entries;
     const Options& m_options;

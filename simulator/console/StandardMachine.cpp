@@ -20,7 +20,8 @@ constexpr char g_standardFacts[] = R"({
         "SmartAdapter.Status": {"answer": {"i4": 1}},
         "F10Setting.WMIEvents.Enabled": {"answer": {"bool": true}},
         "Platform.MachineID": {"answer": {"bstr": "8A11"}},
-        "Platform.USBC.Supported": {"answer": {"bool": false}}
+        "Platform.USBC.Supported": {"answer": {"bool": false}},
+        "EmbeddedController.AuditLog": {"answer": {"bstr": "<AuditLog/>"}}
     },
     "toasts": {"timeout-ms": 0},
     "clock": {"factor": 100}

@@ -12,6 +12,20 @@ namespace
 {
 using Action = std::function<void(ScenarioRun&)>;
 
+// A long answer is told by its beginning and its length.
+std::string Shortened(const nlohmann::json& answer)
+{
+    constexpr std::size_t limit = 120;
+    const std::string text = answer.dump();
+    if (text.size() <= limit)
+        return text;
+    std::size_t end = limit;
+    // Not within a character.
+    while ((static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u)
+        --end;
+    return text.substr(0, end) + " ... (" + std::to_string(text.size()) + " bytes)";
+}
+
 // "SmartAdapter.Status" answers 3; other facts as they stand.
 std::string DescribeFacts(const nlohmann::json& facts)
 {
@@ -29,7 +43,7 @@ std::string DescribeFacts(const nlohmann::json& facts)
             const nlohmann::json answer = behaviour.is_object() ? behaviour.value("answer", behaviour) : behaviour;
             const bool isSimple = answer.is_object() && answer.size() == 1;
             add(behaviour.is_null() ? "\"" + command + "\" is unknown"
-                                    : "\"" + command + "\" answers " + (isSimple ? answer.front() : answer).dump());
+                                    : "\"" + command + "\" answers " + Shortened(isSimple ? answer.front() : answer));
         }
     }
     return text;

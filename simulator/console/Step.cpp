@@ -7,9 +7,10 @@ namespace
 std::map<std::string, StepReader> AllKinds()
 {
     std::map<std::string, StepReader> kinds;
-    for (const auto& group : {AgentSteps(), EventSteps(), SystemSteps(), AcpiSteps(), UsbSteps(), UserSteps(),
-                              StateSteps(), PlanSteps(), SoakSteps(), ToastExpectations(), LogExpectations(),
-                              CallExpectations(), FileExpectations(), DeviceExpectations()})
+    for (const auto& group :
+         {AgentSteps(), EventSteps(), SystemSteps(), AcpiSteps(), UsbSteps(), UserSteps(), DialogSteps(), StateSteps(),
+          PlanSteps(), RecordSteps(), SoakSteps(), ToastExpectations(), DialogExpectations(), LogExpectations(),
+          RecordExpectations(), CallExpectations(), FileExpectations(), DeviceExpectations()})
     {
         for (const StepKind& kind : group)
             kinds[kind.m_pName] = kind.m_pfnRead;

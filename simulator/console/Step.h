@@ -33,11 +33,15 @@ struct StepKind
 [[nodiscard]] std::vector<StepKind> AcpiSteps();
 [[nodiscard]] std::vector<StepKind> UsbSteps();
 [[nodiscard]] std::vector<StepKind> UserSteps();
+[[nodiscard]] std::vector<StepKind> DialogSteps();
 [[nodiscard]] std::vector<StepKind> StateSteps();
 [[nodiscard]] std::vector<StepKind> PlanSteps();
+[[nodiscard]] std::vector<StepKind> RecordSteps();
 [[nodiscard]] std::vector<StepKind> SoakSteps();
 [[nodiscard]] std::vector<StepKind> ToastExpectations();
+[[nodiscard]] std::vector<StepKind> DialogExpectations();
 [[nodiscard]] std::vector<StepKind> LogExpectations();
+[[nodiscard]] std::vector<StepKind> RecordExpectations();
 [[nodiscard]] std::vector<StepKind> CallExpectations();
 [[nodiscard]] std::vector<StepKind> FileExpectations();
 [[nodiscard]] std::vector<StepKind> DeviceExpectations();

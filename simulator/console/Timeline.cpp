@@ -1,5 +1,7 @@
 #include "simulator/console/Timeline.h"
 
+#include "simulator/console/DialogLine.h"
+#include "simulator/console/EventRecords.h"
 #include "simulator/console/LogLine.h"
 
 #include <cstdio>
@@ -73,17 +75,32 @@ std::optional<Line> CallLine(const Entry& entry)
         return Line{"agent", "asks the platform for " + Quoted(entry.m_details.value("command", ""))};
     if (entry.m_strSubject == "IWbemServices::ExecNotificationQueryAsync")
         return Line{"agent", "subscribes to events: " + entry.m_details.value("query", "")};
+    if (entry.m_strSubject == "CloseEventLog")
+        return Line{"agent",
+                    "has read the event log: " + std::to_string(entry.m_details.value("records", 0u)) + " records"};
     return std::nullopt;
 }
 
 std::optional<Line> RecordLine(const Entry& entry, bool showLog)
 {
-    const auto line = ReadLogLine(entry);
-    if (!line)
-        return Line{"eventlog", entry.m_strSubject + ": " + entry.m_details.value("strings", nlohmann::json()).dump()};
-    if (!showLog)
+    if (const auto line = ReadLogLine(entry))
+    {
+        if (!showLog)
+            return std::nullopt;
+        return Line{"log", line->m_strLevel + " " + line->m_strFunction + ": " + line->m_strMessage};
+    }
+    const auto record = RecordOf(entry);
+    if (!record)
         return std::nullopt;
-    return Line{"log", line->m_strLevel + " " + line->m_strFunction + ": " + line->m_strMessage};
+    return Line{"eventlog", "new record of " + Quoted(record->m_strSource) + ": " + EventTypeName(record->m_wType) +
+                                " " + std::to_string(record->m_dwEventId) + ", " + Quoted(TextInOneLine(*record))};
+}
+
+Line RefusalLine(const Entry& entry)
+{
+    const unsigned error = entry.m_details.value("error", 0u);
+    return {"eventlog", "takes no record of " + Quoted(entry.m_strSubject) + ": error " + std::to_string(error) +
+                            (error == ERROR_LOG_FILE_FULL ? ", it is full" : "")};
 }
 
 std::optional<Line> LineOf(const Entry& entry, bool showLog)
@@ -92,6 +109,8 @@ std::optional<Line> LineOf(const Entry& entry, bool showLog)
         return Line{entry.m_strSubject, entry.m_details.value("text", "")};
     if (entry.m_strKind == "toast")
         return ToastLine(entry);
+    if (const auto line = ReadDialogLine(entry))
+        return Line{line->m_strWho, line->m_strWhat};
     if (entry.m_strKind == "program")
         return ProgramLine(entry);
     if (entry.m_strKind == "agent")
@@ -102,6 +121,8 @@ std::optional<Line> LineOf(const Entry& entry, bool showLog)
         return Line{"agent", "waits " + std::to_string(entry.m_details.value("milliseconds", 0u)) + " ms (shortened)"};
     if (entry.m_strKind == "event-log")
         return RecordLine(entry, showLog);
+    if (entry.m_strKind == "event-log-refusal")
+        return RefusalLine(entry);
     return std::nullopt;
 }
 } // namespace

@@ -29,6 +29,9 @@ constexpr Command g_commands[] = {
     {"event", &RaiseEvent, true},
     {"toast", &ActOnToast, true},
     {"picture", &TakePicture, true},
+    {"dialogs", &ListDialogs, true},
+    {"answer-dialog", &AnswerDialog, true},
+    {"picture-dialog", &PictureDialog, true},
 };
 
 const Command& Find(std::string_view name)

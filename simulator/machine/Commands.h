@@ -23,4 +23,7 @@ nlohmann::json SendDeviceChange(const nlohmann::json& command);
 nlohmann::json RaiseEvent(const nlohmann::json& command);
 nlohmann::json ActOnToast(const nlohmann::json& command);
 nlohmann::json TakePicture(const nlohmann::json& command);
+nlohmann::json ListDialogs(const nlohmann::json& command);
+nlohmann::json AnswerDialog(const nlohmann::json& command);
+nlohmann::json PictureDialog(const nlohmann::json& command);
 } // namespace Simulator

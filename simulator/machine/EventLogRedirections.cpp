@@ -1,17 +1,21 @@
 #include "simulator/machine/EventLogStore.h"
+#include "simulator/machine/HandleTable.h"
+#include "simulator/machine/LastError.h"
 #include "simulator/machine/PlannedCall.h"
 #include "simulator/machine/Redirections.h"
+#include "simulator/model/Journal.h"
 #include "simulator/model/LiveObjects.h"
 
-#include <map>
-#include <memory>
-#include <mutex>
-
+// How programs write records. Windows refuses a string or data that are too long, from Vista on with this error; the
+// lengths are those of its documentation.
 namespace Simulator
 {
 namespace
 {
-// An event source that the agent registered; its address is the handle.
+constexpr std::size_t g_longestString = 31'839; // characters
+constexpr DWORD g_dwMostData = 61'440;          // bytes
+constexpr DWORD g_dwTooLong = RPC_S_INVALID_BOUND;
+
 struct EventSource
 {
     explicit EventSource(std::string name) : m_strName(std::move(name)) {}
@@ -20,81 +24,87 @@ struct EventSource
     LiveObject m_alive{"event source"};
 };
 
-struct EventSources
+HandleTable<EventSource>& Sources()
 {
-    std::mutex m_lock;
-    std::map<HANDLE, std::unique_ptr<EventSource>> m_mapSources;
-};
-
-EventSources& Sources()
-{
-    static EventSources& sources = *new EventSources;
+    static auto& sources = *new HandleTable<EventSource>;
     return sources;
 }
 
-bool Fails(HRESULT hr)
+std::string NameOf(const std::shared_ptr<EventSource>& source)
 {
-    if (FAILED(hr))
-        SetLastError(ErrorNumber(hr));
-    return FAILED(hr);
+    return source ? source->m_strName : std::string();
 }
 
 HANDLE WINAPI RegisterEventSourceWOfMachine(LPCWSTR server, LPCWSTR source)
 {
-    if (Fails(CallPlan::Instance().Enter("RegisterEventSourceW", DescribeArguments(server, source))))
+    const DWORD lastError = GetLastError();
+    const HRESULT hr = CallPlan::Instance().Enter("RegisterEventSourceW", DescribeArguments(server, source));
+    const DWORD error = source == nullptr ? ERROR_INVALID_PARAMETER : ERROR_SUCCESS;
+    if (!AnswerWith(FAILED(hr) ? ErrorNumber(hr) : error, lastError))
         return nullptr;
-    auto added = std::make_unique<EventSource>(Narrow(source));
-    const HANDLE handle = added.get();
-    const std::lock_guard lock(Sources().m_lock);
-    Sources().m_mapSources[handle] = std::move(added);
-    return handle;
+    return Sources().Add(std::make_shared<EventSource>(Narrow(source)));
 }
 
 BOOL WINAPI DeregisterEventSourceOfMachine(HANDLE source)
 {
-    if (Fails(CallPlan::Instance().Enter("DeregisterEventSource")))
-        return FALSE;
-    const std::lock_guard lock(Sources().m_lock);
-    if (Sources().m_mapSources.erase(source) != 0)
-        return TRUE;
-    SetLastError(ERROR_INVALID_HANDLE);
-    return FALSE;
+    const DWORD lastError = GetLastError();
+    const HRESULT hr =
+        CallPlan::Instance().Enter("DeregisterEventSource", {{"source", NameOf(Sources().Find(source))}});
+    if (FAILED(hr))
+        return AnswerWith(ErrorNumber(hr), lastError);
+    return AnswerWith(Sources().Remove(source) ? ERROR_SUCCESS : ERROR_INVALID_HANDLE, lastError);
 }
 
-std::string Hexadecimal(const void* data, DWORD size)
+// Win32 error code.
+DWORD ReadStrings(WORD count, const LPCWSTR* strings, std::vector<std::string>& texts)
 {
-    static constexpr char digits[] = "0123456789ABCDEF";
-    std::string text;
-    const auto* bytes = static_cast<const unsigned char*>(data);
-    for (DWORD i = 0; bytes != nullptr && i < size; ++i)
-        text.append({digits[bytes[i] >> 4], digits[bytes[i] & 15]});
-    return text;
+    for (WORD i = 0; i < count; ++i)
+    {
+        if (strings == nullptr || strings[i] == nullptr)
+            return ERROR_INVALID_PARAMETER;
+        const std::wstring_view text = strings[i];
+        if (text.size() > g_longestString)
+            return g_dwTooLong;
+        texts.push_back(Narrow(text));
+    }
+    return ERROR_SUCCESS;
 }
 
-BOOL WINAPI ReportEventWOfMachine(HANDLE source, WORD type, WORD category, DWORD eventId, PSID, WORD stringCount,
+// Win32 error code.
+DWORD ReadData(DWORD size, const void* data, std::string& digits)
+{
+    if (size > g_dwMostData)
+        return g_dwTooLong;
+    if (size != 0 && data == nullptr)
+        return ERROR_INVALID_PARAMETER;
+    digits = ToHexadecimal(data, size);
+    return ERROR_SUCCESS;
+}
+
+BOOL WINAPI ReportEventWOfMachine(HANDLE handle, WORD type, WORD category, DWORD eventId, PSID, WORD stringCount,
                                   DWORD dataSize, LPCWSTR* strings, LPVOID data)
 {
-    if (Fails(CallPlan::Instance().Enter("ReportEventW")))
-        return FALSE;
+    const DWORD lastError = GetLastError();
+    const std::shared_ptr<EventSource> source = Sources().Find(handle);
+    const HRESULT hr = CallPlan::Instance().Enter(
+        "ReportEventW", {{"source", NameOf(source)}, {"type", EventTypeName(type)}, {"event-id", eventId}});
+    if (FAILED(hr))
+        return AnswerWith(ErrorNumber(hr), lastError);
+    if (!source)
+        return AnswerWith(ERROR_INVALID_HANDLE, lastError);
     EventLogRecord record;
-    {
-        const std::lock_guard lock(Sources().m_lock);
-        const auto found = Sources().m_mapSources.find(source);
-        if (found == Sources().m_mapSources.end())
-        {
-            SetLastError(ERROR_INVALID_HANDLE);
-            return FALSE;
-        }
-        record.m_strSource = found->second->m_strName;
-    }
-    record.m_type = type;
-    record.m_category = category;
+    record.m_strSource = source->m_strName;
+    record.m_wType = type;
+    record.m_wCategory = category;
     record.m_dwEventId = eventId;
-    for (WORD i = 0; i < stringCount; ++i)
-        record.m_lstStrings.push_back(Narrow(strings[i]));
-    record.m_strData = Hexadecimal(data, dataSize);
-    EventLogStore::Instance().Append(record);
-    return TRUE;
+    DWORD error = ReadStrings(stringCount, strings, record.m_lstStrings);
+    if (error == ERROR_SUCCESS)
+        error = ReadData(dataSize, data, record.m_strData);
+    if (error == ERROR_SUCCESS)
+        error = EventLogStore::Instance().Append(std::move(record));
+    if (error != ERROR_SUCCESS)
+        Journal::Instance().Append("event-log-refusal", source->m_strName, {{"error", error}});
+    return AnswerWith(error, lastError);
 }
 } // namespace
 

@@ -1,45 +1,41 @@
 #pragma once
 
-#include <windows.h>
+#include "simulator/machine/EventLogReader.h"
 
-#include <filesystem>
-#include <fstream>
+#include <map>
+#include <memory>
 #include <mutex>
-#include <nlohmann/json.hpp>
-#include <string>
-#include <vector>
 
 namespace Simulator
 {
-// One record of the Windows event log.
-struct EventLogRecord
-{
-    std::string m_strSource;
-    WORD m_type = 0; // EVENTLOG_ERROR_TYPE, EVENTLOG_WARNING_TYPE, EVENTLOG_INFORMATION_TYPE ...
-    WORD m_category = 0;
-    DWORD m_dwEventId = 0;
-    std::vector<std::string> m_lstStrings; // insertion strings, UTF-8
-    std::string m_strData;                 // raw data in hexadecimal digits
-};
-
-// The machine's event log: one file of JSON lines, oldest record first, numbers from 1. It outlives the agent, so that
-// a later run finds the records of an earlier one. Any thread.
+// The machine's event log, one for the records of all sources. It outlives the agent, so that a later run finds the
+// records of an earlier one. Any thread.
 class EventLogStore
 {
 public:
     static EventLogStore& Instance();
 
-    // Without a folder records are numbered and journalled, and kept nowhere.
+    // Where the log is kept from now on. Without a folder records are journalled, and kept nowhere.
     void Open(const std::filesystem::path& folder);
 
-    // Appends the record and journals it (kind "event-log", subject is the source).
-    void Append(const EventLogRecord& record);
+    // Appends the record with the time of now and journals it (kind "event-log", subject is the source). Win32 error
+    // code: fact /event-log/refuses/SOURCE, ERROR_LOG_FILE_FULL by fact /event-log/capacity/SOURCE, or what writing
+    // the file gave.
+    [[nodiscard]] DWORD Append(EventLogRecord record);
+
+    // Starts a reading of the log.
+    [[nodiscard]] std::unique_ptr<EventLogReader> Read() const;
 
 private:
     EventLogStore() = default;
+    [[nodiscard]] DWORD Refusal(const std::string& source);
+    [[nodiscard]] unsigned CountOf(const std::string& source);
 
-    std::mutex m_lock;
-    std::ofstream m_file; // open as long as the process lives; written through after each record
-    unsigned m_nLastRecord = 0;
+    mutable std::mutex m_lock;
+    std::filesystem::path m_folder;
+    std::unique_ptr<EventLogFile> m_pFile;
+    std::unique_ptr<EventLogLines> m_pLines; // counted so far; made when somebody counts
+    std::size_t m_nCounted = 0;
+    std::map<std::string, unsigned> m_mapCounts; // records by source
 };
 } // namespace Simulator

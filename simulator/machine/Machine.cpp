@@ -64,10 +64,12 @@ void InstallRedirections()
     RedirectDeviceNotifications(redirections);
     RedirectLibraryFunctions(redirections);
     RedirectEventLogFunctions(redirections);
+    RedirectEventLogReading(redirections);
     RedirectClockFunctions(redirections);
     RedirectShellFunctions(redirections);
     RedirectDebugOutput(redirections);
     RedirectMessageLoop(redirections);
+    RedirectDialogFunctions(redirections);
 }
 } // namespace
 

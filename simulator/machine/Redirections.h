@@ -40,8 +40,10 @@ void RedirectDeviceFunctions(Redirections& redirections);
 void RedirectDeviceNotifications(Redirections& redirections);
 void RedirectLibraryFunctions(Redirections& redirections);
 void RedirectEventLogFunctions(Redirections& redirections);
+void RedirectEventLogReading(Redirections& redirections);
 void RedirectClockFunctions(Redirections& redirections);
 void RedirectShellFunctions(Redirections& redirections);
 void RedirectDebugOutput(Redirections& redirections);
 void RedirectMessageLoop(Redirections& redirections);
+void RedirectDialogFunctions(Redirections& redirections);
 } // namespace Simulator

@@ -16,7 +16,6 @@ using SystemCall = PlannedCall<Name, FailsAs::Zero, Function>;
 void RedirectSystemFunctions(Redirections& redirections)
 {
     redirections.AddPlanned<SystemCall<"CreateMutexW", decltype(CreateMutexW)>>();
-    redirections.AddPlanned<SystemCall<"CreateThread", decltype(CreateThread)>>();
     redirections.AddPlanned<SystemCall<"CreateEventW", decltype(CreateEventW)>>();
     redirections.AddPlanned<SystemCall<"VerifyVersionInfoW", decltype(VerifyVersionInfoW)>>();
     redirections.AddPlanned<SystemCall<"GetModuleFileNameW", decltype(GetModuleFileNameW)>>();

@@ -15,8 +15,9 @@ namespace Simulator
 // One thing that happened in the simulated machine. Kinds in use: "call" (a double or a redirected function was called;
 // subject is the call's name), "com" (the same for what COM calls on the product's behalf: QueryInterface, class
 // factories), "reference" (AddRef or Release of a double), "toast" (shown, clicked, dismissed, timed-out, failed),
-// "event-log" (a record was written), "program" (a program was started), "wmi" (subscribed, cancelled, delivered),
-// "clock", "machine".
+// "dialog" (opened, answered, closed), "thread" (started and ended, those that the agent starts itself),
+// "event-log" (a record was written), "event-log-refusal" (one was not), "program" (a program was started), "wmi"
+// (subscribed, cancelled, delivered), "clock", "machine".
 struct JournalEntry
 {
     std::uint64_t m_nSequence;    // 1, 2, 3 ... in the order of appending

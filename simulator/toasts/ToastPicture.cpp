@@ -59,7 +59,7 @@ HRESULT SavePicture(const std::vector<HWND>& windows, int margin, const std::wst
     {
         UpdateWindow(window);
         const RECT place = PlaceOf(window);
-        HDC source = GetDC(window);
+        HDC source = GetWindowDC(window);
         const BOOL copied = BitBlt(picture.Context(), place.left - bounds.left, place.top - bounds.top,
                                    place.right - place.left, place.bottom - place.top, source, 0, 0, SRCCOPY);
         ReleaseDC(window, source);

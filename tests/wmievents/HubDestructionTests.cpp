@@ -1,5 +1,7 @@
 #include "app/ProcessInstances.h"
 #include "shared/LogLevel.h"
+#include "simulator/doubles/WmiEventSource.h"
+#include "simulator/model/Facts.h"
 #include "simulator/model/LiveObjects.h"
 #include "simulator/redirect/ImportRedirection.h"
 #include "tests/support/LogCapture.h"
@@ -37,6 +39,18 @@ protected:
         EXPECT_EQ(CallPlan::Instance().FailedCount(), 2u);
         StartWatching();
         hub.reset();
+    }
+
+    // In an order that is not that of the end.
+    static void RegisterAll(COrvikWmiEvents& hub, HRESULT hr)
+    {
+        EXPECT_EQ(hub.RegisterGPIOWMIEvent(), hr);
+        EXPECT_EQ(hub.RegisterFirmwareRuntimeWMIEvent(), hr);
+        EXPECT_EQ(hub.RegisterPrivacyPanelWMIEvent(), hr);
+        EXPECT_EQ(hub.RegisterVeritorEvent(L"C:\\ORVR.ico"), hr);
+        EXPECT_EQ(hub.RegisterFirmwareWMIEvent(), hr);
+        EXPECT_EQ(hub.RegisterUSBCWMIEvent(L"C:\\Orvik.ico"), hr);
+        EXPECT_EQ(hub.RegisterSmartAdapterEvent(L"C:\\Orvik.ico"), hr);
     }
 };
 
@@ -80,6 +94,36 @@ TEST_F(HubDestructionTest, Replaced_OldSubscriptionsAreCancelledBeforeTheNewHubI
                                      "CoUninitialize", "CoInitialize"));
     EXPECT_THAT(LiveObjects::All(), IsEmpty());
     place.Destroy();
+}
+
+TEST_F(HubDestructionTest, EverySubscription_IsCancelledInItsOrder)
+{
+    auto hub = std::make_unique<COrvikWmiEvents>();
+    RegisterAll(*hub, S_OK);
+    ASSERT_EQ(Simulator::WmiEventSource::SubscriptionCount(), 7u);
+    StartWatching();
+    hub.reset();
+    std::vector<nlohmann::json> cancelled;
+    for (const auto& entry : Simulator::Journal::Instance().Entries())
+    {
+        if (entry.m_strSubject == "cancelled")
+            cancelled.push_back(entry.m_details.at("event-id"));
+    }
+    EXPECT_THAT(cancelled, ElementsAre(3, 131074, 131073, 21, 20, 33, nullptr));
+    EXPECT_EQ(Calls().back(), "CoUninitialize");
+    EXPECT_EQ(Calls().size(), 8u);
+    EXPECT_THAT(LiveObjects::All(), IsEmpty());
+}
+
+TEST_F(HubDestructionTest, EveryRegistrationFailed_MakesNoWmiCall)
+{
+    auto hub = std::make_unique<COrvikWmiEvents>();
+    Simulator::Facts::Instance().Set("/platform/registered", false);
+    RegisterAll(*hub, REGDB_E_CLASSNOTREG);
+    StartWatching();
+    hub.reset();
+    EXPECT_THAT(Calls(), ElementsAre("CoUninitialize"));
+    EXPECT_THAT(LiveObjects::All(), IsEmpty());
 }
 
 TEST_F(HubDestructionTest, CriticalSections_AreDeletedAfterComWasLeft)

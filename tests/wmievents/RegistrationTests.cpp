@@ -8,6 +8,7 @@
 #include "tests/wmievents/EmptyHandedCommand.h"
 #include "tests/wmievents/FailingBstr.h"
 #include "tests/wmievents/MachineTest.h"
+#include "tests/wmievents/RegistrationRows.h"
 
 #include <comdef.h>
 
@@ -27,34 +28,6 @@ namespace Tests
 namespace
 {
 constexpr HRESULT g_hrInvalidCommand = static_cast<HRESULT>(0x80000003);
-
-struct SmartAdapterRow
-{
-    static constexpr const char* Operation =
-        "Notifications::OrvikWmiEvents::COrvikWmiEvents::RegisterSmartAdapterEvent";
-    static constexpr const char* Query = "SELECT * FROM orvikBEvnt WHERE EventID = 3";
-    static constexpr const wchar_t* RegisterFailed = L"Failed to register for smart adapter event, [hr:0x80041003]";
-    static constexpr const wchar_t* InvalidCommand = L"Invalid Command SmartAdapter.Supported. hr = 0x80000003";
-    static constexpr const wchar_t* OtherFailure =
-        L"Exception occurred when calling SmartAdapter.Supported, [hr:0x8007000E]";
-    // The name of the command is allocated first.
-    static constexpr unsigned FirstTextOfSubscription = 2;
-
-    static HRESULT Register(HubProbe& hub) { return hub.RegisterSmartAdapterEvent(L"C:\\Orvik.ico"); }
-};
-
-struct GpioRow
-{
-    static constexpr const char* Operation = "Notifications::OrvikWmiEvents::COrvikWmiEvents::RegisterGPIOWMIEvent";
-    static constexpr const char* Query = "SELECT * FROM OrvikBIOS_BIOSEvent";
-    static constexpr const wchar_t* RegisterFailed = L"Failed to register for GPIO event, [hr:0x80041003]";
-    static constexpr const wchar_t* InvalidCommand = L"Invalid Command to register for GPIO. hr = 0x80000003";
-    static constexpr const wchar_t* OtherFailure =
-        L"Exception occurred when calling register for GPIO, [hr:0x8007000E]";
-    static constexpr unsigned FirstTextOfSubscription = 1;
-
-    static HRESULT Register(HubProbe& hub) { return hub.RegisterGPIOWMIEvent(); }
-};
 
 // No step of a subscription raises this code by itself: a call on the way does it here.
 HRESULT WINAPI RaiseInvalidCommand(IUnknown*, DWORD, DWORD, OLECHAR*, DWORD, DWORD, RPC_AUTH_IDENTITY_HANDLE, DWORD)
@@ -83,7 +56,7 @@ protected:
     }
 };
 
-using Rows = testing::Types<SmartAdapterRow, GpioRow>;
+using Rows = testing::Types<SmartAdapterRow, VeritorRow, FirmwareRow, PrivacyPanelRow, FirmwareRuntimeRow, GpioRow>;
 TYPED_TEST_SUITE(RegistrationTest, Rows);
 
 TYPED_TEST(RegistrationTest, Works_SubscribesAndTraces)
@@ -237,19 +210,35 @@ TEST_F(SmartAdapterRegistrationTest, CommandFails_OtherRegistrationIsUnaffected)
     EXPECT_EQ(Simulator::WmiEventSource::SubscriptionCount(), 1u);
 }
 
-using GpioRegistrationTest = HubTest;
-
-TEST_F(GpioRegistrationTest, SendsNoCommand)
+// Registrations that ask nothing of the platform first.
+template <class Row>
+class UnaskedRegistrationTest : public HubTest
 {
-    ASSERT_EQ(GpioRow::Register(m_hub), S_OK);
-    EXPECT_THAT(Commands(), IsEmpty());
+};
+
+using UnaskedRows = testing::Types<VeritorRow, FirmwareRow, PrivacyPanelRow, FirmwareRuntimeRow, GpioRow>;
+TYPED_TEST_SUITE(UnaskedRegistrationTest, UnaskedRows);
+
+TYPED_TEST(UnaskedRegistrationTest, SendsNoCommand)
+{
+    ASSERT_EQ(TypeParam::Register(this->m_hub), S_OK);
+    EXPECT_THAT(this->Commands(), IsEmpty());
 }
 
-TEST_F(GpioRegistrationTest, InvalidCommandCodeIsRaised_HasItsOwnText)
+TYPED_TEST(UnaskedRegistrationTest, InvalidCommandCodeIsRaised_HasItsOwnText)
 {
     const Simulator::Redirection<decltype(CoSetProxyBlanket)> raising("CoSetProxyBlanket", &RaiseInvalidCommand);
-    EXPECT_EQ(GpioRow::Register(m_hub), g_hrInvalidCommand);
-    EXPECT_TRUE(Logged(Level::Information, GpioRow::Operation, GpioRow::InvalidCommand));
-    EXPECT_TRUE(Logged(Level::TraceOut, GpioRow::Operation, L"hr: 0x80000003"));
+    EXPECT_EQ(TypeParam::Register(this->m_hub), g_hrInvalidCommand);
+    EXPECT_TRUE(Logged(Level::Information, TypeParam::Operation, TypeParam::InvalidCommand));
+    EXPECT_TRUE(Logged(Level::TraceOut, TypeParam::Operation, L"hr: 0x80000003"));
+}
+
+TYPED_TEST(UnaskedRegistrationTest, AfterARefusal_OtherRegistrationsAreUnaffected)
+{
+    CallPlan::Instance().Fail("IWbemServices::ExecNotificationQueryAsync", Hr(WBEM_E_ACCESS_DENIED));
+    EXPECT_EQ(TypeParam::Register(this->m_hub), Hr(WBEM_E_ACCESS_DENIED));
+    EXPECT_EQ(SmartAdapterRow::Register(this->m_hub), S_OK);
+    EXPECT_EQ(TypeParam::Register(this->m_hub), S_OK);
+    EXPECT_EQ(Simulator::WmiEventSource::SubscriptionCount(), 2u);
 }
 } // namespace Tests

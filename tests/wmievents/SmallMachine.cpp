@@ -56,6 +56,11 @@ SmallMachine::SmallMachine(const wchar_t* machineId)
     g_nToasts = 0;
 }
 
+void SmallMachine::SetAuditLog(const wchar_t* xml)
+{
+    g_command.m_pAuditLog = xml;
+}
+
 unsigned SmallMachine::TakeToasts()
 {
     return std::exchange(g_nToasts, 0);

@@ -24,6 +24,8 @@ public:
     SmallMachine(const SmallMachine&) = delete;
     SmallMachine& operator=(const SmallMachine&) = delete;
 
+    // The firmware's audit log from now on; it is not copied.
+    static void SetAuditLog(const wchar_t* xml);
     // Toasts since the last question.
     [[nodiscard]] static unsigned TakeToasts();
 

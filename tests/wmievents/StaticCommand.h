@@ -12,7 +12,8 @@ namespace Tests
 {
 // A platform command object that takes nothing from operator new. It has every interface that it is asked for, but
 // tells of no errors, and is never destroyed: the smart adapter's status is 3, the machine is the one given, the
-// firmware holds message 2 for whichever port is asked about, and everything else is true.
+// firmware holds message 2 for whichever port is asked about and the audit log that is given, and everything else is
+// true.
 class StaticCommand final : public IPlixCommand
 {
 public:
@@ -34,6 +35,8 @@ public:
         }
         else if (std::wcscmp(command, L"Platform.MachineID") == 0)
             return Answer(m_pMachineId, output);
+        else if (std::wcscmp(command, L"EmbeddedController.AuditLog") == 0)
+            return Answer(m_pAuditLog, output);
         else
         {
             output->vt = VT_BOOL;
@@ -50,6 +53,7 @@ public:
     }
 
     const wchar_t* m_pMachineId = L"8A11";
+    const wchar_t* m_pAuditLog = L"<AuditLog/>";
 
 private:
     static HRESULT Answer(const wchar_t* text, VARIANT* output)

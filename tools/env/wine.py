@@ -11,7 +11,7 @@ from . import places
 from .errors import EnvironmentFault
 
 # Goes up when a template made before would no longer do.
-_TEMPLATE_REVISION = 2
+_TEMPLATE_REVISION = 3
 _SECONDS_TO_CREATE = 300
 # Debian puts the loader and the server here and a shell script that looks for them on the path.
 _DEBIAN_FOLDER = Path("/usr/lib/wine")
@@ -23,6 +23,11 @@ _USER_SETTINGS = r"""REGEDIT4
 "Tahoma"="DejaVu Sans"
 "MS Shell Dlg"="DejaVu Sans"
 "MS Shell Dlg 2"="DejaVu Sans"
+
+; No window manager runs on our displays: Wine draws the frames of windows itself, and does not wait two seconds for one
+; to take a window away that is closed.
+[HKEY_CURRENT_USER\Software\Wine\X11 Driver]
+"Managed"="N"
 """
 
 

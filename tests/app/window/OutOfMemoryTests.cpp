@@ -1,3 +1,4 @@
+#include "app/FirmwareStartUp.h"
 #include "app/MainWindow.h"
 #include "app/ProcessInstances.h"
 #include "app/UsbCStartUp.h"
@@ -8,6 +9,8 @@
 #include "tests/wmievents/SmallMachine.h"
 #include "usbc/AcpiUsbCMonitor.h"
 #include "usbc/UsbCState.h"
+#include "wmievents/AuditLogScan.h"
+#include "wmievents/VeritorThreads.h"
 
 #include <dbt.h>
 #include <objbase.h>
@@ -55,6 +58,18 @@ HDEVINFO WINAPI FindBillboard(const GUID*, PCWSTR, HWND, DWORD)
     return INVALID_HANDLE_VALUE;
 }
 
+decltype(CreateThread)* g_pfnCreateThread = nullptr;
+
+// The threads of the firmware's protection would outlive the test.
+HANDLE WINAPI StartNoProtection(LPSECURITY_ATTRIBUTES security, SIZE_T stackSize, LPTHREAD_START_ROUTINE start,
+                                LPVOID argument, DWORD flags, LPDWORD threadId)
+{
+    using namespace Notifications::OrvikWmiEvents;
+    if (start == &ThreadProcVeritorLogging || start == &ThreadProcCreateHashKeysForVeritorEventLogs)
+        return nullptr;
+    return g_pfnCreateThread(security, stackSize, start, argument, flags, threadId);
+}
+
 class OutOfMemoryTest : public testing::Test
 {
 protected:
@@ -64,6 +79,7 @@ protected:
         g_hInstance = GetModuleHandleW(nullptr);
         g_bResumeHandled = false;
         g_raisesInSleep = false;
+        g_pfnCreateThread = m_thread.Original();
     }
     ~OutOfMemoryTest() override
     {
@@ -108,6 +124,7 @@ protected:
     HWND m_hwnd = reinterpret_cast<HWND>(0x4444);
     SmallMachine m_machine;
     Redirection<decltype(Sleep)> m_sleep{"Sleep", &PassAtOnce};
+    Redirection<decltype(CreateThread)> m_thread{"CreateThread", &StartNoProtection};
     Redirection<decltype(SetForegroundWindow)> m_foreground{"SetForegroundWindow", &StayBehind};
     Redirection<decltype(RegisterDeviceNotificationW)> m_register{"RegisterDeviceNotificationW", &RefuseRegistration};
     Redirection<decltype(SetupDiGetClassDevsW)> m_devices{"SetupDiGetClassDevsW", &FindBillboard};
@@ -158,6 +175,23 @@ TEST_F(OutOfMemoryTest, StartUsbCEvents_EachAllocationFails_LetsNothingOutAndARe
     EXPECT_EQ(SmallMachine::TakeToasts(), 1u);
     EXPECT_GT(lost, 0u);
     EXPECT_GT(unregistered, 0u);
+}
+
+TEST_F(OutOfMemoryTest, RegisterFirmwareEvents_EachAllocationFails_LetsNothingOutAndTakesTheLastStep)
+{
+    MakeInstances();
+    unsigned ended = 0;
+    SweepAllocations([] { RegisterFirmwareEvents("wWinMain", *g_pWmiHandler.Get()); },
+                     [&]
+                     {
+                         ended += TestSupport::LogCount(Orvik::Shared::Level::Error, "wWinMain",
+                                                        L"A step ended with an exception.") == 1;
+                         const auto last =
+                             LogLines("Notifications::OrvikWmiEvents::COrvikWmiEvents::RegisterGPIOWMIEvent");
+                         EXPECT_FALSE(last.empty());
+                     });
+    // Each subscription's own memory, at least.
+    EXPECT_GE(ended, 5u);
 }
 
 TEST_F(OutOfMemoryTest, WndProc_EachAllocationFails_AnswersZeroAndTheNextMessageIsHandled)

@@ -17,6 +17,10 @@ constexpr const wchar_t* g_showing =
     L"Verbose|Get and Show message for any USBC event that might occur while system is sleeping";
 constexpr const wchar_t* g_adapter = L"Verbose|check smart adapter status";
 
+constexpr const wchar_t* g_veritor = L"Verbose|log any new Veritor log occurred while system is sleeping";
+constexpr const char* g_copy = "ThreadProcVeritorLogging 0";
+constexpr const char* g_copyFunction = "Notifications::OrvikWmiEvents::COrvikWmiEvents::ProcessVeritorLog";
+
 using PowerMessageTest = Tests::WindowMessageTest;
 } // namespace
 
@@ -25,9 +29,9 @@ TEST_F(PowerMessageTest, Resume_ChecksEverythingAfterASecond)
     MakeHub();
     MakeHandler("8A11", true);
     EXPECT_EQ(Send(WM_POWERBROADCAST, PBT_APMRESUMEAUTOMATIC), 0);
-    EXPECT_THAT(LogLines("WndProc"), ElementsAre(g_resumedByItself, g_showing, g_adapter));
+    EXPECT_THAT(LogLines("WndProc"), ElementsAre(g_resumedByItself, g_showing, g_adapter, g_veritor));
     EXPECT_THAT(DoneCalls(), ElementsAre("Sleep 1000", "Platform.USBC.Messages 255", "VerifyVersionInfoW",
-                                         "SmartAdapter.Status", "SetForegroundWindow"));
+                                         "SmartAdapter.Status", g_copy, "SetForegroundWindow"));
     EXPECT_THAT(m_system.m_lstLinesAtSleep, ElementsAre(ElementsAre(g_resumedByItself)));
     EXPECT_EQ(m_system.m_hwndForeground, m_hwnd);
     EXPECT_THAT(ToastTexts(), ElementsAre(MessageOfWmi));
@@ -39,9 +43,9 @@ TEST_F(PowerMessageTest, Resume_AcpiMachine_ShowsPortZero)
     MakeHub();
     MakeHandler("8042", true);
     EXPECT_EQ(Send(WM_POWERBROADCAST, PBT_APMRESUMESUSPEND), 0);
-    EXPECT_THAT(LogLines("WndProc"), ElementsAre(g_resumed, g_showing, g_adapter));
+    EXPECT_THAT(LogLines("WndProc"), ElementsAre(g_resumed, g_showing, g_adapter, g_veritor));
     EXPECT_THAT(DoneCalls(), ElementsAre("Sleep 1000", "Platform.USBC.Messages 0", "VerifyVersionInfoW",
-                                         "SmartAdapter.Status", "SetForegroundWindow"));
+                                         "SmartAdapter.Status", g_copy, "SetForegroundWindow"));
     EXPECT_THAT(ToastTexts(), ElementsAre(MessageOfAcpi));
 }
 
@@ -50,21 +54,21 @@ TEST_F(PowerMessageTest, Resume_WithoutUsbCSupport_AsksForNoMessages)
     MakeHub();
     MakeHandler("8A11", false);
     EXPECT_EQ(Send(WM_POWERBROADCAST, PBT_APMRESUMESUSPEND), 0);
-    EXPECT_THAT(LogLines("WndProc"), ElementsAre(g_resumed, g_showing, g_adapter));
+    EXPECT_THAT(LogLines("WndProc"), ElementsAre(g_resumed, g_showing, g_adapter, g_veritor));
     EXPECT_THAT(DoneCalls(),
-                ElementsAre("Sleep 1000", "VerifyVersionInfoW", "SmartAdapter.Status", "SetForegroundWindow"));
+                ElementsAre("Sleep 1000", "VerifyVersionInfoW", "SmartAdapter.Status", g_copy, "SetForegroundWindow"));
     EXPECT_THAT(Toasts(), IsEmpty());
 }
 
-TEST_F(PowerMessageTest, Resume_BeforeWindows8_LeavesTheAdapterAlone)
+TEST_F(PowerMessageTest, Resume_BeforeWindows8_LeavesTheAdapterAloneAndCopiesTheAuditLog)
 {
     MakeHub();
     MakeHandler("8A11", true);
     m_system.m_bIsVersion = FALSE;
     EXPECT_EQ(Send(WM_POWERBROADCAST, PBT_APMRESUMESUSPEND), 0);
-    EXPECT_THAT(LogLines("WndProc"), ElementsAre(g_resumed, g_showing));
-    EXPECT_THAT(DoneCalls(),
-                ElementsAre("Sleep 1000", "Platform.USBC.Messages 255", "VerifyVersionInfoW", "SetForegroundWindow"));
+    EXPECT_THAT(LogLines("WndProc"), ElementsAre(g_resumed, g_showing, g_veritor));
+    EXPECT_THAT(DoneCalls(), ElementsAre("Sleep 1000", "Platform.USBC.Messages 255", "VerifyVersionInfoW", g_copy,
+                                         "SetForegroundWindow"));
 }
 
 TEST_F(PowerMessageTest, Resume_WithoutHub_WaitsShowsAndComesToTheForeground)
@@ -93,6 +97,33 @@ TEST_F(PowerMessageTest, Resume_ShowsInSpiteOfThePolicies)
         EXPECT_EQ(Send(WM_POWERBROADCAST, PBT_APMRESUMESUSPEND), 0);
         EXPECT_THAT(ToastTexts(), ElementsAre(MessageOfWmi));
     }
+}
+
+TEST_F(PowerMessageTest, Resume_CopyIsSuppressed_StartsNoThreadAndComesToTheForeground)
+{
+    MakeHub();
+    for (const wchar_t* const value : {L"SuppressAllLoggings", L"SuppressVeritorLoggings"})
+    {
+        const TestSupport::SuppressPolicy suppress(value);
+        g_bResumeHandled = false;
+        EXPECT_EQ(Send(WM_POWERBROADCAST, PBT_APMRESUMESUSPEND), 0);
+        EXPECT_THAT(LogLines("WndProc"), ElementsAre(g_resumed, g_showing, g_adapter, g_veritor));
+        EXPECT_THAT(LogLines(g_copyFunction),
+                    ElementsAre(L"TraceIn|", L"Verbose|Loggings are suppressed.", L"TraceOut|"));
+        EXPECT_THAT(DoneCalls(),
+                    ElementsAre("Sleep 1000", "VerifyVersionInfoW", "SmartAdapter.Status", "SetForegroundWindow"));
+    }
+}
+
+TEST_F(PowerMessageTest, Resume_ThreadOfTheCopyIsRefused_IsLoggedAndTheWindowComesToTheForeground)
+{
+    MakeHub();
+    m_system.m_bRefusesThread = true;
+    EXPECT_EQ(Send(WM_POWERBROADCAST, PBT_APMRESUMESUSPEND), 0);
+    EXPECT_THAT(LogLines(g_copyFunction),
+                ElementsAre(L"TraceIn|", testing::StartsWith(L"Error|CreateThread failed (0x"), L"TraceOut|"));
+    EXPECT_THAT(DoneCalls(),
+                ElementsAre("Sleep 1000", "VerifyVersionInfoW", "SmartAdapter.Status", g_copy, "SetForegroundWindow"));
 }
 
 TEST_F(PowerMessageTest, TwoResumes_OneRound_TheThirdNone)
@@ -161,9 +192,9 @@ TEST_F(PowerMessageTest, Resume_FirmwareRefuses_TheRestIsDoneAndTheNextResumeSho
     Tests::MachineTest::StartWatching();
     Simulator::CallPlan::Instance().Fail("IPlixCommand::ExecuteWithInput", E_FAIL, 1, Simulator::Repeat::Once);
     EXPECT_EQ(WndProc(m_hwnd, WM_POWERBROADCAST, PBT_APMRESUMESUSPEND, 0), 0);
-    EXPECT_THAT(LogLines("WndProc"), ElementsAre(g_resumed, g_showing, g_adapter));
+    EXPECT_THAT(LogLines("WndProc"), ElementsAre(g_resumed, g_showing, g_adapter, g_veritor));
     EXPECT_THAT(DoneCalls(), ElementsAre("Sleep 1000", "Platform.USBC.Messages 255", "VerifyVersionInfoW",
-                                         "SmartAdapter.Status", "SetForegroundWindow"));
+                                         "SmartAdapter.Status", g_copy, "SetForegroundWindow"));
     EXPECT_THAT(Toasts(), IsEmpty());
     Send(WM_POWERBROADCAST, PBT_APMSUSPEND);
     Send(WM_POWERBROADCAST, PBT_APMRESUMESUSPEND);

@@ -5,6 +5,8 @@
 #include "simulator/redirect/ImportRedirection.h"
 #include "tests/support/LogCapture.h"
 #include "usbc/AcpiUsbCMonitor.h"
+#include "wmievents/AuditLogScan.h"
+#include "wmievents/VeritorThreads.h"
 
 #include <dbt.h>
 
@@ -68,9 +70,27 @@ WINBOOL WINAPI NotedVerifyVersionInfoW(LPOSVERSIONINFOEXW, DWORD, DWORDLONG)
     return g_pCalls->m_bIsVersion;
 }
 
+// The name of a thread of the firmware's protection; null for any other.
+const char* ProtectionThread(LPTHREAD_START_ROUTINE start)
+{
+    using namespace Notifications::OrvikWmiEvents;
+    if (start == &ThreadProcVeritorLogging)
+        return "ThreadProcVeritorLogging";
+    if (start == &ThreadProcVeritorEvent)
+        return "ThreadProcVeritorEvent";
+    return start == &ThreadProcCreateHashKeysForVeritorEventLogs ? "ThreadProcCreateHashKeysForVeritorEventLogs"
+                                                                 : nullptr;
+}
+
 HANDLE WINAPI NotedCreateThread(LPSECURITY_ATTRIBUTES security, SIZE_T stackSize, LPTHREAD_START_ROUTINE start,
                                 LPVOID argument, DWORD flags, LPDWORD threadId)
 {
+    if (const char* const protection = ProtectionThread(start); protection != nullptr)
+    {
+        Journal::Instance().Append("call", protection, {{"parameter", reinterpret_cast<LONG_PTR>(argument)}});
+        g_pCalls->m_lstLinesAtThread.push_back(TestSupport::LogLines("wWinMain"));
+        return g_pCalls->m_bRefusesThread ? nullptr : CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    }
     if (start != &ACPIUSBCMonitor)
         return g_pfnCreateThread(security, stackSize, start, argument, flags, threadId);
     Journal::Instance().Append("call", "CreateThread",
@@ -120,6 +140,8 @@ std::vector<std::string> DoneCalls()
             done.push_back(details.at("command"));
         else if (call == "IPlixCommand::ExecuteWithInput")
             done.push_back(details.at("command").get<std::string>() + " " + details.at("input").at("value").dump());
+        else if (call.starts_with("ThreadProc"))
+            done.push_back(call + " " + details.at("parameter").dump());
         else if (call == "Sleep")
             done.push_back("Sleep " + details.at("milliseconds").dump());
         else if (call == "IWbemServices::ExecNotificationQueryAsync")

@@ -10,7 +10,7 @@ namespace Tests
 {
 // What the main window and the start-up ask of Windows, journalled as calls instead of done: Sleep,
 // SetForegroundWindow, RegisterDeviceNotificationW, VerifyVersionInfoW, and CreateThread for the monitor of the ACPI
-// event device. One at a time.
+// event device and for the threads of the firmware's protection. One at a time.
 class SystemCalls
 {
 public:
@@ -30,6 +30,8 @@ public:
     std::vector<HANDLE> m_lstRecipients;
     bool m_bRefusesRegistration = false;
     bool m_bRefusesThread = false;
+    // Lines of the program's start at the moment of each thread of the protection.
+    std::vector<std::vector<std::wstring>> m_lstLinesAtThread;
 
 private:
     struct Redirections;
@@ -37,6 +39,7 @@ private:
 };
 
 // The journal's calls that tell what the agent did, in order: "Sleep 1000", "SetForegroundWindow", the name of a
-// platform command, with its input "Platform.USBC.Messages 255", "IWbemServices::ExecNotificationQueryAsync" ...
+// platform command, with its input "Platform.USBC.Messages 255", the query of a subscription, a thread of the
+// protection with its parameter "ThreadProcVeritorLogging 0" ...
 [[nodiscard]] std::vector<std::string> DoneCalls();
 } // namespace Tests
