@@ -2,6 +2,7 @@
 
 #include "platform/ComApartment.h"
 #include "platform/ComError.h"
+#include "platform/XmlDocument.h"
 #include "simulator/redirect/ImportRedirection.h"
 #include "tests/platform/MethodRedirection.h"
 #include "tests/support/BstrLedger.h"
