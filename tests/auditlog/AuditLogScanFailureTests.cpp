@@ -30,11 +30,20 @@ constexpr std::size_t g_firstSize = 65536;
 // Requests for a buffer that still fail; the sizes of all of them.
 unsigned g_nRefusals = 0;
 std::vector<std::size_t> g_lstRequests;
-MallocFunction* g_pfnMalloc = nullptr;
-ReallocFunction* g_pfnRealloc = nullptr;
+
+// The C runtime's own functions, known before the first call of the planned ones.
+template <class Function>
+Function* RuntimeFunction(const char* name)
+{
+    return reinterpret_cast<Function*>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), name)));
+}
+MallocFunction* const g_pfnMalloc = RuntimeFunction<MallocFunction>("malloc");
+ReallocFunction* const g_pfnRealloc = RuntimeFunction<ReallocFunction>("realloc");
 
 bool IsRefused(std::size_t size)
 {
+    const AllocationFault::Pause pause;
     g_lstRequests.push_back(size);
     if (g_nRefusals == 0)
         return false;
@@ -58,8 +67,6 @@ class AuditLogScanFailureTest : public Tests::AuditLogTest
 protected:
     AuditLogScanFailureTest() : m_malloc("malloc", &PlannedMalloc), m_realloc("realloc", &PlannedRealloc)
     {
-        g_pfnMalloc = m_malloc.Original();
-        g_pfnRealloc = m_realloc.Original();
         g_nRefusals = 0;
         g_lstRequests.clear();
     }

@@ -2,6 +2,8 @@
 
 #include "tests/usbc/PlannedFunction.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <iterator>
 
@@ -12,9 +14,17 @@ namespace Tests
 namespace
 {
 ThreadWatch* g_pWatch = nullptr;
-}
 
-ThreadWatch::ThreadWatch() : m_create("CreateThread", &Create)
+// GoogleTest's own thread, that waits for the end of this one, is to be there before threads are watched.
+template <class Function>
+Function* AfterGoogleTestsThread(Function* function)
+{
+    SCOPED_TRACE("");
+    return function;
+}
+} // namespace
+
+ThreadWatch::ThreadWatch() : m_create("CreateThread", AfterGoogleTestsThread(&Create))
 {
     g_pWatch = this;
 }

@@ -1,5 +1,7 @@
 #include "tests/support/ReadableEventLog.h"
 
+#include "tests/support/AllocationFault.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -114,6 +116,7 @@ std::size_t ReadableEventLog::OpenCount() const
 
 HANDLE WINAPI ReadableEventLog::Open(LPCWSTR server, LPCWSTR source)
 {
+    const AllocationFault::Pause pause;
     const std::lock_guard lock(g_pLog->m_lock);
     g_pLog->m_lstNames.push_back((server != nullptr ? std::wstring(server) + L"\\" : L"") + source);
     if (g_pLog->m_dwOpenError != ERROR_SUCCESS)
@@ -135,6 +138,7 @@ WINBOOL WINAPI ReadableEventLog::Close(HANDLE log)
 WINBOOL WINAPI ReadableEventLog::Read(HANDLE log, DWORD flags, DWORD offset, LPVOID buffer, DWORD size,
                                       DWORD* bytesRead, DWORD* bytesNeeded)
 {
+    const AllocationFault::Pause pause;
     if (g_pLog->m_onRead)
         g_pLog->m_onRead();
     const std::lock_guard lock(g_pLog->m_lock);

@@ -11,12 +11,12 @@ from . import places
 from .errors import EnvironmentFault
 
 # Goes up when a template made before would no longer do.
-_TEMPLATE_REVISION = 3
+_TEMPLATE_REVISION = 4
 _SECONDS_TO_CREATE = 300
 # Debian puts the loader and the server here and a shell script that looks for them on the path.
 _DEBIAN_FOLDER = Path("/usr/lib/wine")
 # Wine's own substitutes for the fonts of Windows depend on what is installed; one choice makes pictures alike everywhere.
-_USER_SETTINGS = r"""REGEDIT4
+_SETTINGS = r"""REGEDIT4
 
 [HKEY_CURRENT_USER\Software\Wine\Fonts\Replacements]
 "Segoe UI"="DejaVu Sans"
@@ -28,6 +28,10 @@ _USER_SETTINGS = r"""REGEDIT4
 ; to take a window away that is closed.
 [HKEY_CURRENT_USER\Software\Wine\X11 Driver]
 "Managed"="N"
+
+; A program that breaks ends. Wine's debugger would wait for somebody to look.
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\AeDebug]
+"Debugger"="none"
 """
 
 
@@ -91,7 +95,7 @@ class Wine:
         if not fresh.exists():
             self._in_unfinished(fresh, [["wineboot", "--init"]], None)
         settings = places.WINE / "template.reg"
-        settings.write_text(_USER_SETTINGS, encoding="ascii")
+        settings.write_text(_SETTINGS, encoding="ascii")
         self._in_unfinished(self.template(version), [["winecfg", "-v", version], ["regedit", "/S", f"Z:{settings}"]], fresh)
 
     def _in_unfinished(self, final, commands, source):

@@ -17,6 +17,13 @@ UINT RunMessage()
     return message;
 }
 
+// Asks the dialog's thread for a click on the control of that id.
+UINT ClickMessage()
+{
+    static const UINT message = RegisterWindowMessageW(L"Orvik.Tests.ClickOnDialogThread");
+    return message;
+}
+
 LPARAM MiddleOf(HWND control)
 {
     RECT area{};
@@ -31,6 +38,7 @@ OpenDialog::OpenDialog(std::function<void()> show)
       m_thread([this, show = std::move(show)] { RunThread(show); })
 {
     EXPECT_EQ(WaitForSingleObject(m_hOpenOrEnded.get(), g_patience), WAIT_OBJECT_0);
+    WaitUntilShown();
 }
 
 OpenDialog::OpenDialog(UINT templateId, DLGPROC procedure, const MessageParameters* parameters)
@@ -74,9 +82,7 @@ void OpenDialog::Press(WPARAM key) const
 
 void OpenDialog::Click(int id) const
 {
-    const HWND control = Item(id);
-    PostMessageW(control, WM_LBUTTONDOWN, MK_LBUTTON, MiddleOf(control));
-    PostMessageW(control, WM_LBUTTONUP, 0, MiddleOf(control));
+    SendNotifyMessageW(m_hwnd, ClickMessage(), static_cast<WPARAM>(id), 0);
 }
 
 bool OpenDialog::HasEnded() const
@@ -96,6 +102,13 @@ LRESULT CALLBACK OpenDialog::OnCall(int code, WPARAM wParam, LPARAM lParam)
     const auto& call = *reinterpret_cast<const CWPSTRUCT*>(lParam);
     if (call.message == RunMessage() && call.hwnd == t_pCurrent->m_hwnd)
         (*reinterpret_cast<const std::function<void()>*>(call.lParam))();
+    if (call.message == ClickMessage() && call.hwnd == t_pCurrent->m_hwnd)
+    {
+        // Both in one go: between two messages another program on the display may take the pointer away.
+        const HWND control = GetDlgItem(call.hwnd, static_cast<int>(call.wParam));
+        SendMessageW(control, WM_LBUTTONDOWN, MK_LBUTTON, MiddleOf(control));
+        SendMessageW(control, WM_LBUTTONUP, 0, MiddleOf(control));
+    }
     return CallNextHookEx(nullptr, code, wParam, lParam);
 }
 
@@ -108,6 +121,16 @@ LRESULT CALLBACK OpenDialog::OnReturn(int code, WPARAM wParam, LPARAM lParam)
         SetEvent(t_pCurrent->m_hOpenOrEnded.get());
     }
     return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+// A click that comes before the dialog is shown loses the pointer to its activation.
+void OpenDialog::WaitUntilShown() const
+{
+    const ULONGLONG end = GetTickCount64() + g_patience;
+    while (!IsWindowVisible(m_hwnd) && WaitForSingleObject(m_hEnded.get(), 1) == WAIT_TIMEOUT)
+        ASSERT_LT(GetTickCount64(), end);
+    // Answered between two messages: the call that shows the dialog has returned.
+    SendMessageW(m_hwnd, WM_NULL, 0, 0);
 }
 
 void OpenDialog::RunThread(const std::function<void()>& show)

@@ -16,8 +16,8 @@ namespace Tests
 class OpenDialog
 {
 public:
-    // Runs what opens a dialog and returns when that is closed. Waits until the dialog has been initialised, or until
-    // it turns out that there is none.
+    // Runs what opens a dialog and returns when that is closed. Waits until the dialog is shown, or until it turns
+    // out that there is none.
     explicit OpenDialog(std::function<void()> show);
     // A dialog of the program, opened as its callers do.
     OpenDialog(UINT templateId, DLGPROC procedure, const MessageParameters* parameters);
@@ -50,6 +50,7 @@ public:
 private:
     static LRESULT CALLBACK OnCall(int code, WPARAM wParam, LPARAM lParam);
     static LRESULT CALLBACK OnReturn(int code, WPARAM wParam, LPARAM lParam);
+    void WaitUntilShown() const;
     void RunThread(const std::function<void()>& show);
 
     inline static thread_local OpenDialog* t_pCurrent = nullptr;
