@@ -5,6 +5,8 @@
 #include "platform/ComPointers.h"
 #include "platform/PlixCommand.h"
 #include "platform/PlixNotification.h"
+#include "platform/UniqueBstr.h"
+#include "platform/XmlDocument.h"
 #include "simulator/doubles/WbemClassObjectDouble.h"
 #include "usbc/XmlAttributes.h"
 #include "wmievents/OrvikWmiEvents.h"
