@@ -34,8 +34,7 @@ void ScenarioRun::Start(std::optional<DWORD> exitCode)
     m_pAgent = std::make_unique<AgentSession>(m_entries, m_options, m_facts, m_environment);
     m_facts.erase("plan");
     const auto entry =
-        m_entries.WaitFor(m_nMark, ProcessLimit,
-                          [this](const Entry& candidate)
+        m_entries.WaitFor(m_nMark, ProcessLimit, [this](const Entry& candidate)
                           { return m_pAgent->IsOwn(candidate, "ready") || m_pAgent->IsOwn(candidate, "ended"); });
     if (!entry)
         throw StepFailure("the agent did not reach its message loop");
@@ -214,9 +213,8 @@ std::vector<Entry> ScenarioRun::SinceMark() const
 
 std::optional<Entry> ScenarioRun::Take(const EntryTest& test, std::optional<std::chrono::milliseconds> limit)
 {
-    auto found =
-        m_entries.WaitFor(m_nMark, limit.value_or(m_options.m_limit),
-                          [&](const Entry& entry) { return !m_setTaken.contains(entry.m_nIndex) && test(entry); });
+    auto found = m_entries.WaitFor(m_nMark, limit.value_or(m_options.m_limit), [&](const Entry& entry)
+                                   { return !m_setTaken.contains(entry.m_nIndex) && test(entry); });
     if (found)
         m_setTaken.insert(found->m_nIndex);
     return found;

@@ -35,8 +35,7 @@ std::vector<std::size_t> g_lstRequests;
 template <class Function>
 Function* RuntimeFunction(const char* name)
 {
-    return reinterpret_cast<Function*>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), name)));
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"msvcrt.dll"), name)));
 }
 MallocFunction* const g_pfnMalloc = RuntimeFunction<MallocFunction>("malloc");
 ReallocFunction* const g_pfnRealloc = RuntimeFunction<ReallocFunction>("realloc");

@@ -43,7 +43,7 @@ RecordBytes Record(DWORD eventId, const wchar_t* text)
     return BytesOf({g_source, eventId, {text}});
 }
 
-RecordBytes With(RecordBytes record, DWORD EVENTLOGRECORD::*field, DWORD value)
+RecordBytes With(RecordBytes record, DWORD EVENTLOGRECORD::* field, DWORD value)
 {
     TestSupport::SetField(record, field, value);
     return record;

@@ -46,7 +46,8 @@ HANDLE WINAPI EventSourceCalls::Register(LPCWSTR server, LPCWSTR source)
 WINBOOL WINAPI EventSourceCalls::Report(HANDLE source, WORD type, WORD category, DWORD eventId, PSID sid,
                                         WORD stringCount, DWORD dataSize, LPCWSTR* strings, LPVOID data)
 {
-    const auto report = [=] {
+    const auto report = [=]
+    {
         return g_pCalls->m_report.Original()(source, type, category, eventId, sid, stringCount, dataSize, strings,
                                              data);
     };

@@ -54,7 +54,7 @@ RecordBytes BytesOf(const StoredRecord& record)
     return bytes;
 }
 
-void SetField(RecordBytes& record, DWORD EVENTLOGRECORD::*field, DWORD value)
+void SetField(RecordBytes& record, DWORD EVENTLOGRECORD::* field, DWORD value)
 {
     EVENTLOGRECORD header;
     std::memcpy(&header, record.data(), sizeof(header));

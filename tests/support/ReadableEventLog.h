@@ -29,7 +29,7 @@ struct StoredRecord
 // the length once more.
 [[nodiscard]] RecordBytes BytesOf(const StoredRecord& record);
 // Another value for one fixed field.
-void SetField(RecordBytes& record, DWORD EVENTLOGRECORD::*field, DWORD value);
+void SetField(RecordBytes& record, DWORD EVENTLOGRECORD::* field, DWORD value);
 void SetStringCount(RecordBytes& record, WORD count);
 
 // One call of ReadEventLogW, as it was made.

@@ -109,9 +109,8 @@ TEST_F(RecordStepsTest, ExpectRecords_ListInOrder)
 {
     Seed("Source", "one", 1);
     Seed("Source", "two", 2);
-    const auto expecting = [](const json& records) {
-        return json{{"expect-records", {{"source", "Source"}, {"records", records}}}};
-    };
+    const auto expecting = [](const json& records)
+    { return json{{"expect-records", {{"source", "Source"}, {"records", records}}}}; };
     EXPECT_EQ(FailureOf(expecting(json::array({"one", {{"event-id", 2}, {"text", "two"}}}))), "");
     EXPECT_THAT(FailureOf(expecting(json::array({"two", "one"}))), HasSubstr("record 1 of Source is not"));
     EXPECT_THAT(FailureOf(expecting(json::array({"one"}))), HasSubstr("expected 1 records of Source, there are 2"));
