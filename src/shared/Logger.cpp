@@ -1,6 +1,7 @@
 #include "shared/Logger.h"
 
 #include "shared/LogData.h"
+#include "shared/OrvikLogListenerFile.h"
 
 #include <windows.h>
 
@@ -30,6 +31,18 @@ public:
 
 // For a process that has not logged before its end begins.
 const ProcessEndGate g_gate;
+
+class FinishAtProcessEnd
+{
+public:
+    explicit FinishAtProcessEnd(CLogger& logger) noexcept : m_logger(logger) {}
+    FinishAtProcessEnd(const FinishAtProcessEnd&) = delete;
+    FinishAtProcessEnd& operator=(const FinishAtProcessEnd&) = delete;
+    ~FinishAtProcessEnd() { m_logger.Finish(); }
+
+private:
+    CLogger& m_logger;
+};
 
 class LastErrorKeeper
 {
@@ -77,6 +90,8 @@ CLogger& CLogger::CreateInstance() noexcept
         alignas(CLogger) static std::byte storage[sizeof(CLogger)];
         logger = new (storage) CLogger(Listeners{});
     }
+    // Earlier than the next gate, so destroyed behind it.
+    static const FinishAtProcessEnd finish(*logger);
     // Later than the gate above, so destroyed earlier: objects made before the first record cannot log at their end.
     static const ProcessEndGate gate;
     g_enabledLevels = logger->EnabledLevels();
@@ -104,6 +119,12 @@ CLogger::CLogger(Listeners listeners) noexcept : m_lstListeners(std::move(listen
 bool CLogger::Takes(int level) const noexcept
 {
     return m_nListeners != 0 && level >= m_nMinLevel && level <= m_nMaxLevel;
+}
+
+void CLogger::Finish() noexcept
+{
+    if (auto* const file = dynamic_cast<COrvikLogListenerFile*>(m_pFileListener))
+        file->Finish();
 }
 
 std::uint32_t CLogger::EnabledLevels() const noexcept

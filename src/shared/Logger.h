@@ -52,6 +52,10 @@ public:
 
     [[nodiscard]] TimingStatistics& Statistics() noexcept { return m_statistics; }
 
+    // For the end of the process, when nobody logs any more: queued records come into the log file, within about a
+    // second.
+    void Finish() noexcept;
+
     // The levels between the overall limits, as g_enabledLevels holds them.
     [[nodiscard]] std::uint32_t EnabledLevels() const noexcept;
 

@@ -4,6 +4,7 @@
 #include "shared/OrvikLogListenerConsole.h"
 #include "shared/OrvikLogListenerDebug.h"
 #include "shared/OrvikLogListenerEvent.h"
+#include "shared/OrvikLogListenerFile.h"
 
 #include <algorithm>
 #include <cwctype>
@@ -54,6 +55,10 @@ CLogger::Listeners CLogger::CreateListeners(int defaultMinLevel, unsigned defaul
     auto next = listeners.begin();
     if ((mask & ListenerKind::Event) != 0)
         *next++ = std::make_unique<COrvikLogListenerEvent>(defaultMinLevel, policy);
+    if ((mask & ListenerKind::File) != 0)
+        *next++ = std::make_unique<COrvikLogListenerFile>(false, defaultMinLevel, policy);
+    if ((mask & ListenerKind::FileQueued) != 0)
+        *next++ = std::make_unique<COrvikLogListenerFile>(true, defaultMinLevel, policy);
     if ((mask & ListenerKind::Debug) != 0)
         *next++ = std::make_unique<COrvikLogListenerDebug>(defaultMinLevel, policy);
     if ((mask & ListenerKind::Console) != 0)

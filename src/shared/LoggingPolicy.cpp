@@ -21,6 +21,17 @@ std::wstring ReadText(HKEY key, const wchar_t* valueName, std::size_t capacity)
     text.resize(std::min(text.find(L'\0'), text.size()));
     return text;
 }
+
+std::optional<DWORD> ReadNumber(HKEY key, const wchar_t* valueName)
+{
+    DWORD number = 0;
+    DWORD type = REG_NONE;
+    DWORD size = sizeof(number);
+    const LSTATUS status = RegQueryValueExW(key, valueName, nullptr, &type, reinterpret_cast<BYTE*>(&number), &size);
+    if (status != ERROR_SUCCESS || type != REG_DWORD || size != sizeof(number))
+        return std::nullopt;
+    return number;
+}
 } // namespace
 
 void OpenLoggingPolicyKeys(const std::wstring& productNameOverride, UniqueRegKey& productKey, UniqueRegKey& moduleKey)
@@ -54,5 +65,17 @@ std::wstring LoggingPolicy::Text(const wchar_t* valueName, std::size_t capacity)
             return text;
     }
     return {};
+}
+
+std::optional<DWORD> LoggingPolicy::Number(const wchar_t* valueName, DWORD minimum) const
+{
+    for (const UniqueRegKey* key : {&m_hModuleKey, &m_hProductKey})
+    {
+        if (!*key)
+            continue;
+        if (const std::optional<DWORD> number = ReadNumber(key->get(), valueName); number && *number >= minimum)
+            return number;
+    }
+    return std::nullopt;
 }
 } // namespace Orvik::Shared

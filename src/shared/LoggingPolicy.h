@@ -3,6 +3,7 @@
 #include "shared/OwnerTypes.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 namespace Orvik::Shared
@@ -22,6 +23,9 @@ public:
     // missing, empty, of another type, of odd byte length, or its data is longer than capacity characters, a stored
     // terminator included. A missing terminator is tolerated.
     [[nodiscard]] std::wstring Text(const wchar_t* valueName, std::size_t capacity) const;
+
+    // A REG_DWORD value, from the module's key or else from the product's. A number below the minimum counts as missing.
+    [[nodiscard]] std::optional<DWORD> Number(const wchar_t* valueName, DWORD minimum = 0) const;
 
 private:
     UniqueRegKey m_hProductKey;

@@ -32,6 +32,12 @@ struct EventLogCloser
     void operator()(HANDLE log) const noexcept { CloseEventLog(log); }
 };
 
+struct FindCloser
+{
+    using pointer = HANDLE;
+    void operator()(HANDLE search) const noexcept { FindClose(search); }
+};
+
 struct FileCloser
 {
     void operator()(std::FILE* file) const noexcept { (void)std::fclose(file); }
@@ -42,6 +48,8 @@ using UniqueHandle = std::unique_ptr<HANDLE, HandleCloser>;
 using UniqueRegKey = std::unique_ptr<HKEY, RegKeyCloser>;
 using UniqueEventSource = std::unique_ptr<HANDLE, EventSourceCloser>;
 using UniqueEventLog = std::unique_ptr<HANDLE, EventLogCloser>;
+// A search that found nothing is INVALID_HANDLE_VALUE; giving that back does nothing.
+using UniqueFindHandle = std::unique_ptr<HANDLE, FindCloser>;
 using UniqueFile = std::unique_ptr<std::FILE, FileCloser>;
 
 // Lends a call the place where it writes a new resource; the owner takes it when the full expression ends:

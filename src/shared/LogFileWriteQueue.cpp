@@ -1,0 +1,105 @@
+#include "shared/LogFileWriteQueue.h"
+
+#include <process.h>
+
+#include <exception>
+
+namespace Orvik::Shared
+{
+namespace
+{
+// How long a process end waits, twice at most; milliseconds.
+constexpr int g_rounds = 2;
+constexpr DWORD g_dwPause = 100;
+constexpr DWORD g_dwWait = 500;
+
+// What keeps the queue alive for its thread.
+using QueueOfThread = std::shared_ptr<CLogFileWriteQueue>;
+} // namespace
+
+CLogFileWriteQueue::CLogFileWriteQueue(std::shared_ptr<CLogFile> file) noexcept : m_pFile(std::move(file)) {}
+
+void CLogFileWriteQueue::Append(const COrvikLogListener::LogData& data)
+{
+    const CriticalSectionLock lock(m_cs);
+    m_lstRecords.push_back(data);
+    if (!m_bRunning)
+        StartWriter();
+}
+
+void CLogFileWriteQueue::StartWriter()
+{
+    m_hWriter.reset();
+    auto queue = std::make_unique<QueueOfThread>(shared_from_this());
+    m_hWriter.reset(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, &ThreadRoutine, queue.get(), 0, nullptr)));
+    m_bRunning = m_hWriter != nullptr;
+    if (m_bRunning)
+        static_cast<void>(queue.release());
+}
+
+unsigned __stdcall CLogFileWriteQueue::ThreadRoutine(void* queue) noexcept
+{
+    const std::unique_ptr<QueueOfThread> own(static_cast<QueueOfThread*>(queue));
+    (*own)->WriteBatch();
+    return 0;
+}
+
+void CLogFileWriteQueue::WriteBatch() noexcept
+{
+    if (!m_pFile->OpenAndLock())
+    {
+        WriterHasEnded();
+        return;
+    }
+    const LogFileClosing closing(*m_pFile);
+    for (Records record; TakeOldest(record); record.clear())
+    {
+        try
+        {
+            m_pFile->WriteRecord(record.front());
+        }
+        catch (const std::exception&) // NOLINT(bugprone-empty-catch)
+        {
+            // Out of memory: this record is lost, those behind it are not.
+        }
+    }
+}
+
+// False, and the next record starts another thread, when there is none.
+bool CLogFileWriteQueue::TakeOldest(Records& record) noexcept
+{
+    const CriticalSectionLock lock(m_cs);
+    m_bRunning = !m_lstRecords.empty();
+    if (m_bRunning)
+        record.splice(record.begin(), m_lstRecords, m_lstRecords.begin());
+    return m_bRunning;
+}
+
+void CLogFileWriteQueue::WriterHasEnded() noexcept
+{
+    const CriticalSectionLock lock(m_cs);
+    m_bRunning = false;
+}
+
+void CLogFileWriteQueue::Finish() noexcept
+{
+    for (int round = 0; round < g_rounds; ++round)
+    {
+        const HANDLE writer = WriterToWaitFor();
+        if (writer == nullptr || WaitForSingleObject(writer, g_dwWait) != WAIT_TIMEOUT)
+            break;
+    }
+    const CriticalSectionLock lock(m_cs);
+    m_lstRecords.clear();
+    m_hWriter.reset();
+}
+
+// The last thread, also one that has taken the last record: the stream that it closes at its end still holds lines.
+HANDLE CLogFileWriteQueue::WriterToWaitFor() noexcept
+{
+    const CriticalSectionLock lock(m_cs);
+    if (m_bRunning && !m_lstRecords.empty())
+        Sleep(g_dwPause);
+    return m_hWriter.get();
+}
+} // namespace Orvik::Shared

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "shared/LogData.h"
+#include "shared/LogFile.h"
+#include "shared/OwnerTypes.h"
+
+#include <list>
+#include <memory>
+
+namespace Orvik::Shared
+{
+// Hands records to a thread that writes them to the log file, in batches: at most one at a time, started by a record and
+// ended by an empty queue. Any thread.
+class CLogFileWriteQueue : public std::enable_shared_from_this<CLogFileWriteQueue>
+{
+public:
+    explicit CLogFileWriteQueue(std::shared_ptr<CLogFile> file) noexcept;
+
+    // Queues a copy of the record; does not wait for the file. Records of a thread that cannot open the file, and those
+    // for which no thread could be started, wait for the next Append. Raises std::bad_alloc.
+    void Append(const COrvikLogListener::LogData& data);
+    // Lets the thread write what is queued for about a second at most, then discards the rest.
+    void Finish() noexcept;
+
+private:
+    using Records = std::list<COrvikLogListener::LogData>;
+
+    static unsigned __stdcall ThreadRoutine(void* queue) noexcept;
+    void StartWriter();
+    void WriteBatch() noexcept;
+    [[nodiscard]] bool TakeOldest(Records& record) noexcept;
+    void WriterHasEnded() noexcept;
+    [[nodiscard]] HANDLE WriterToWaitFor() noexcept;
+
+    const std::shared_ptr<CLogFile> m_pFile;
+    // Guards all that follow. May be taken while the file is locked, never the other way round.
+    CriticalSection m_cs;
+    Records m_lstRecords; // oldest first
+    bool m_bRunning = false;
+    UniqueHandle m_hWriter; // of the last thread, also when that has ended
+};
+} // namespace Orvik::Shared
