@@ -10,7 +10,7 @@ std::map<std::string, StepReader> AllKinds()
     for (const auto& group :
          {AgentSteps(), EventSteps(), SystemSteps(), AcpiSteps(), UsbSteps(), UserSteps(), DialogSteps(), StateSteps(),
           PlanSteps(), RecordSteps(), SoakSteps(), ToastExpectations(), DialogExpectations(), LogExpectations(),
-          RecordExpectations(), CallExpectations(), FileExpectations(), DeviceExpectations()})
+          RecordExpectations(), CallExpectations(), FileExpectations(), LogFileExpectations(), DeviceExpectations()})
     {
         for (const StepKind& kind : group)
             kinds[kind.m_pName] = kind.m_pfnRead;

@@ -44,5 +44,6 @@ struct StepKind
 [[nodiscard]] std::vector<StepKind> RecordExpectations();
 [[nodiscard]] std::vector<StepKind> CallExpectations();
 [[nodiscard]] std::vector<StepKind> FileExpectations();
+[[nodiscard]] std::vector<StepKind> LogFileExpectations();
 [[nodiscard]] std::vector<StepKind> DeviceExpectations();
 } // namespace Simulator

@@ -67,6 +67,7 @@ void InstallRedirections()
     RedirectEventLogReading(redirections);
     RedirectClockFunctions(redirections);
     RedirectShellFunctions(redirections);
+    RedirectFolderFunctions(redirections);
     RedirectDebugOutput(redirections);
     RedirectMessageLoop(redirections);
     RedirectDialogFunctions(redirections);

@@ -43,6 +43,7 @@ void RedirectEventLogFunctions(Redirections& redirections);
 void RedirectEventLogReading(Redirections& redirections);
 void RedirectClockFunctions(Redirections& redirections);
 void RedirectShellFunctions(Redirections& redirections);
+void RedirectFolderFunctions(Redirections& redirections);
 void RedirectDebugOutput(Redirections& redirections);
 void RedirectMessageLoop(Redirections& redirections);
 void RedirectDialogFunctions(Redirections& redirections);

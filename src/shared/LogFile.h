@@ -9,8 +9,8 @@ namespace Orvik::Shared
 {
 class LoggingPolicy;
 
-// The log file of this user and program. Any number of processes and threads append to it: who writes holds a mutex that
-// the machine knows by the file's path, and has the file open only meanwhile. No failure is reported.
+// The log file of this user and program. Any number of processes and threads append to it: who writes holds a mutex
+// that the machine knows by the file's path, and has the file open only meanwhile. No failure is reported.
 class CLogFile
 {
 public:

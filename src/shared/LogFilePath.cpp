@@ -13,8 +13,8 @@ namespace Orvik::Shared
 std::wstring LogFilePath()
 {
     wchar_t applicationData[MAX_PATH]{};
-    if (FAILED(SHGetFolderPathW(nullptr, CSIDL_APPDATA | CSIDL_FLAG_CREATE, nullptr, SHGFP_TYPE_CURRENT,
-                                applicationData)))
+    if (FAILED(
+            SHGetFolderPathW(nullptr, CSIDL_APPDATA | CSIDL_FLAG_CREATE, nullptr, SHGFP_TYPE_CURRENT, applicationData)))
         return {};
     std::wstring path = std::wstring(applicationData) + L"\\orvikLog";
     if (!CreateDirectoryW(path.c_str(), nullptr) && GetLastError() != ERROR_ALREADY_EXISTS)

@@ -9,8 +9,8 @@
 
 namespace Orvik::Shared
 {
-// Hands records to a thread that writes them to the log file, in batches: at most one at a time, started by a record and
-// ended by an empty queue. Any thread.
+// Hands records to a thread that writes them to the log file, in batches: at most one at a time, started by a record
+// and ended by an empty queue. Any thread.
 class CLogFileWriteQueue : public std::enable_shared_from_this<CLogFileWriteQueue>
 {
 public:

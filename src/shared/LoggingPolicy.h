@@ -24,7 +24,8 @@ public:
     // terminator included. A missing terminator is tolerated.
     [[nodiscard]] std::wstring Text(const wchar_t* valueName, std::size_t capacity) const;
 
-    // A REG_DWORD value, from the module's key or else from the product's. A number below the minimum counts as missing.
+    // A REG_DWORD value, from the module's key or else from the product's. A number below the minimum counts as
+    // missing.
     [[nodiscard]] std::optional<DWORD> Number(const wchar_t* valueName, DWORD minimum = 0) const;
 
 private:
