@@ -1,3 +1,4 @@
+#include "bench/log/FileBench.h"
 #include "bench/log/Subjects.h"
 #include "bench/support/Bench.h"
 #include "shared/Log.h"
@@ -67,5 +68,7 @@ int main(int argc, char** argv)
     Bench::Comparison comparison("Log");
     AddSubjects(comparison);
     AddResults(comparison);
-    return comparison.Run(argc > 1 ? argv[1] : "build/bench/log.json");
+    const int result = comparison.Run(argc > 1 ? argv[1] : "build/bench/log.json");
+    const int fileResult = FileBench::Run(argc > 2 ? argv[2] : "build/bench/log-file.json");
+    return result != 0 ? result : fileResult;
 }

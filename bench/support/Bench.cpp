@@ -18,7 +18,13 @@ constexpr int g_rounds = 15;
 constexpr int g_slices = 25;
 constexpr double g_sliceNanoseconds = 300'000;
 
-double Nanoseconds(Subject subject, std::size_t times)
+void Do(void (*work)())
+{
+    if (work != nullptr)
+        work();
+}
+
+double Nanoseconds(Subject subject, const Surroundings& surroundings, std::size_t times)
 {
     static const double scale = []
     {
@@ -28,17 +34,19 @@ double Nanoseconds(Subject subject, std::size_t times)
     }();
     LARGE_INTEGER start{};
     LARGE_INTEGER end{};
+    Do(surroundings.m_pfnBefore);
     QueryPerformanceCounter(&start);
     subject(times);
     QueryPerformanceCounter(&end);
+    Do(surroundings.m_pfnAfter);
     return static_cast<double>(end.QuadPart - start.QuadPart) * scale;
 }
 
-double FastestOf(int slices, Subject subject, std::size_t times)
+double FastestOf(int slices, Subject subject, const Surroundings& surroundings, std::size_t times)
 {
     double fastest = std::numeric_limits<double>::max();
     for (int slice = 0; slice < slices; ++slice)
-        fastest = std::min(fastest, Nanoseconds(subject, times));
+        fastest = std::min(fastest, Nanoseconds(subject, surroundings, times));
     return fastest;
 }
 
@@ -60,9 +68,9 @@ void PinToOneProcessor()
 
 Comparison::Comparison(std::string title) : m_strTitle(std::move(title)) {}
 
-void Comparison::Add(std::string name, Subject subject)
+void Comparison::Add(std::string name, Subject subject, Surroundings surroundings)
 {
-    m_lstTimed.push_back({std::move(name), subject, 1, {}});
+    m_lstTimed.push_back({std::move(name), subject, surroundings, 1, {}});
 }
 
 void Comparison::Ratio(std::string description, std::string name, std::vector<std::string> others, double limit)
@@ -77,7 +85,7 @@ void Comparison::Number(std::string description, double value, double limit)
 
 void Comparison::Calibrate(Timed& timed) const
 {
-    while (FastestOf(g_slices, timed.m_pfnSubject, timed.m_nTimes) < g_sliceNanoseconds)
+    while (FastestOf(g_slices, timed.m_pfnSubject, timed.m_surroundings, timed.m_nTimes) < g_sliceNanoseconds)
         timed.m_nTimes *= 2;
 }
 
@@ -87,7 +95,7 @@ void Comparison::MeasureRounds()
     {
         for (Timed& timed : m_lstTimed)
         {
-            const double fastest = FastestOf(g_slices, timed.m_pfnSubject, timed.m_nTimes);
+            const double fastest = FastestOf(g_slices, timed.m_pfnSubject, timed.m_surroundings, timed.m_nTimes);
             timed.m_lstNanoseconds.push_back(fastest / static_cast<double>(timed.m_nTimes));
         }
     }

@@ -12,6 +12,13 @@ inline constexpr double NoLimit = -1;
 // What is measured: does its work that many times.
 using Subject = void (*)(std::size_t times);
 
+// What is done before and after each slice of a subject, and not timed; either may be null.
+struct Surroundings
+{
+    void (*m_pfnBefore)() = nullptr;
+    void (*m_pfnAfter)() = nullptr;
+};
+
 // Measures subjects against each other in one run: in each round every subject is timed, one after the other, many
 // times for a fraction of a millisecond, and its fastest time counts, so that a neighbour's time slice does not. What
 // is reported are medians over the rounds; ratios are taken within each round. One thread, pinned to one processor.
@@ -20,7 +27,7 @@ class Comparison
 public:
     explicit Comparison(std::string title);
 
-    void Add(std::string name, Subject subject);
+    void Add(std::string name, Subject subject, Surroundings surroundings = {});
     // A line of the table: the time of `name` divided by the sum of the others; a negative limit (NoLimit) is for show.
     void Ratio(std::string description, std::string name, std::vector<std::string> others, double limit);
     // A number that is not a time, known without measuring.
@@ -35,6 +42,7 @@ private:
     {
         std::string m_strName;
         Subject m_pfnSubject;
+        Surroundings m_surroundings;
         std::size_t m_nTimes;
         std::vector<double> m_lstNanoseconds; // per repetition, one for each round
     };
