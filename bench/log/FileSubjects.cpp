@@ -115,7 +115,8 @@ void FileSubjects::Rotation(std::size_t times)
 {
     for (std::size_t i = 0; i < times; ++i)
     {
-        RotateLogFiles(RotatedPath());
+        const std::wstring newest = MoveOlderLogFilesUp(RotatedPath());
+        MoveFileW(RotatedPath().c_str(), newest.c_str());
         MakeFile(RotatedPath());
     }
 }

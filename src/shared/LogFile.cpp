@@ -16,7 +16,8 @@ namespace
 {
 constexpr DWORD g_dwDefaultSize = 2048; // in units of 1,024 bytes
 constexpr DWORD g_dwSizeUnit = 1024;
-// So many records per unit of size are written between two looks at the size, twice as many before the second.
+// The size is looked at when the counter has passed so many per unit; halved then, it takes half as many to the next
+// look.
 constexpr DWORD g_dwRecordsPerUnit = 10;
 // A byte-order mark and nothing else is an empty file.
 constexpr __int64 g_markSize = 3;
@@ -29,6 +30,11 @@ struct Mark
 // "2024/03/05 14:07:09.042|"
 constexpr Mark g_marks[] = {{4, L'/'}, {7, L'/'}, {10, L' '}, {13, L':'}, {16, L':'}, {19, L'.'}, {23, L'|'}};
 constexpr std::size_t g_startLength = 24;
+
+bool IsEmptyLength(__int64 length) noexcept
+{
+    return length == 0 || length == g_markSize;
+}
 
 bool Wait(HANDLE mutex) noexcept
 {
@@ -83,7 +89,7 @@ void CLogFile::MoveForeignFileAside()
     wchar_t start[g_startLength + 1]{};
     std::FILE* const stream = m_pStream.get();
     const bool isEmpty = std::fgetws(start, static_cast<int>(std::size(start)), stream) == nullptr &&
-                         (std::feof(stream) != 0 || _filelengthi64(_fileno(stream)) <= g_markSize);
+                         (std::feof(stream) != 0 || IsEmptyLength(_filelengthi64(_fileno(stream))));
     // What is written behind a read is lost otherwise.
     static_cast<void>(std::fseek(stream, 0, SEEK_END));
     const bool isLog = std::ranges::all_of(g_marks, [&start](const Mark& mark)
@@ -117,14 +123,12 @@ bool CLogFile::RotateIfNeeded(bool force)
     const bool isTooLarge = file.nFileSizeHigh != 0 || file.nFileSizeLow > m_dwMaxSize * g_dwSizeUnit;
     if (!force && !isTooLarge)
         return false;
-    m_pStream.reset();
-    // Opened again whatever happens.
-    struct Reopening
+    if (const std::wstring newest = MoveOlderLogFilesUp(m_strPath); !newest.empty())
     {
-        CLogFile& m_file;
-        ~Reopening() { m_file.OpenStream(); }
-    } const reopening{*this};
-    RotateLogFiles(m_strPath);
+        m_pStream.reset();
+        MoveFileW(m_strPath.c_str(), newest.c_str());
+        OpenStream();
+    }
     return false;
 }
 } // namespace Orvik::Shared

@@ -77,24 +77,28 @@ void Rename(const std::vector<Renaming>& renamings)
 }
 } // namespace
 
-void RotateLogFiles(const std::wstring& logPath)
+std::wstring MoveOlderLogFilesUp(const std::wstring& logPath)
 {
     wchar_t path[MAX_PATH]{};
     const DWORD length = GetFullPathNameW(logPath.c_str(), MAX_PATH, path, nullptr);
     if (length == 0 || length >= MAX_PATH)
-        return;
+        return {};
     const std::wstring full(path, length);
     const std::wstring folder = full.substr(0, full.rfind(L'\\') + 1);
     const std::wstring stem = full.substr(0, full.rfind(L'.'));
 
     OlderFiles files = FindOlderFiles(stem);
+    std::wstring oldest;
     if (files.size() == g_mostOlderFiles)
     {
-        DeleteFileW((folder + files.begin()->second).c_str());
+        oldest = folder + files.begin()->second;
         files.erase(files.begin());
     }
-    const std::wstring newest = NumberedName(stem, 1);
-    Rename(PlanRenamings(folder, stem, files));
-    MoveFileW(logPath.c_str(), newest.c_str());
+    std::wstring newest = NumberedName(stem, 1);
+    const std::vector<Renaming> renamings = PlanRenamings(folder, stem, files);
+    if (!oldest.empty())
+        DeleteFileW(oldest.c_str());
+    Rename(renamings);
+    return newest;
 }
 } // namespace Orvik::Shared

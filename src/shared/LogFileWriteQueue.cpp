@@ -52,26 +52,33 @@ void CLogFileWriteQueue::WriteBatch() noexcept
         return;
     }
     const LogFileClosing closing(*m_pFile);
-    for (Records record; TakeOldest(record); record.clear())
+    // All at once: who logs meets the writer at the lock once for a batch, not for each record.
+    for (Records records; TakeAll(records); records.clear())
     {
-        try
-        {
-            m_pFile->WriteRecord(record.front());
-        }
-        catch (const std::exception&) // NOLINT(bugprone-empty-catch)
-        {
-            // Out of memory: this record is lost, those behind it are not.
-        }
+        for (; !records.empty() && !m_bDiscards; records.pop_front())
+            Write(records.front());
+    }
+}
+
+void CLogFileWriteQueue::Write(const COrvikLogListener::LogData& record) noexcept
+{
+    try
+    {
+        m_pFile->WriteRecord(record);
+    }
+    catch (const std::exception&) // NOLINT(bugprone-empty-catch)
+    {
+        // Out of memory: this record is lost, those behind it are not.
     }
 }
 
 // False, and the next record starts another thread, when there is none.
-bool CLogFileWriteQueue::TakeOldest(Records& record) noexcept
+bool CLogFileWriteQueue::TakeAll(Records& records) noexcept
 {
     const CriticalSectionLock lock(m_cs);
     m_bRunning = !m_lstRecords.empty();
-    if (m_bRunning)
-        record.splice(record.begin(), m_lstRecords, m_lstRecords.begin());
+    m_bDiscards = false;
+    records.splice(records.begin(), m_lstRecords);
     return m_bRunning;
 }
 
@@ -85,21 +92,27 @@ void CLogFileWriteQueue::Finish() noexcept
 {
     for (int round = 0; round < g_rounds; ++round)
     {
-        const HANDLE writer = WriterToWaitFor();
-        if (writer == nullptr || WaitForSingleObject(writer, g_dwWait) != WAIT_TIMEOUT)
+        const UniqueHandle writer = WriterToWaitFor();
+        if (!writer || WaitForSingleObject(writer.get(), g_dwWait) != WAIT_TIMEOUT)
             break;
     }
     const CriticalSectionLock lock(m_cs);
     m_lstRecords.clear();
+    m_bDiscards = true;
     m_hWriter.reset();
 }
 
 // The last thread, also one that has taken the last record: the stream that it closes at its end still holds lines.
-HANDLE CLogFileWriteQueue::WriterToWaitFor() noexcept
+UniqueHandle CLogFileWriteQueue::WriterToWaitFor() noexcept
 {
     const CriticalSectionLock lock(m_cs);
     if (m_bRunning && !m_lstRecords.empty())
         Sleep(g_dwPause);
-    return m_hWriter.get();
+    // A handle of our own: a late record closes the other one when it starts the next thread.
+    UniqueHandle writer;
+    if (m_hWriter)
+        DuplicateHandle(GetCurrentProcess(), m_hWriter.get(), GetCurrentProcess(), ReceiveInto(writer), SYNCHRONIZE,
+                        FALSE, 0);
+    return writer;
 }
 } // namespace Orvik::Shared

@@ -4,6 +4,7 @@
 #include "shared/LogFile.h"
 #include "shared/OwnerTypes.h"
 
+#include <atomic>
 #include <list>
 #include <memory>
 
@@ -19,7 +20,8 @@ public:
     // Queues a copy of the record; does not wait for the file. Records of a thread that cannot open the file, and those
     // for which no thread could be started, wait for the next Append. Raises std::bad_alloc.
     void Append(const COrvikLogListener::LogData& data);
-    // Lets the thread write what is queued for about a second at most, then discards the rest.
+    // Lets the thread write what is queued for about a second at most, then discards the rest, what the thread has
+    // taken included.
     void Finish() noexcept;
 
 private:
@@ -28,9 +30,10 @@ private:
     static unsigned __stdcall ThreadRoutine(void* queue) noexcept;
     void StartWriter();
     void WriteBatch() noexcept;
-    [[nodiscard]] bool TakeOldest(Records& record) noexcept;
+    void Write(const COrvikLogListener::LogData& record) noexcept;
+    [[nodiscard]] bool TakeAll(Records& records) noexcept;
     void WriterHasEnded() noexcept;
-    [[nodiscard]] HANDLE WriterToWaitFor() noexcept;
+    [[nodiscard]] UniqueHandle WriterToWaitFor() noexcept;
 
     const std::shared_ptr<CLogFile> m_pFile;
     // Guards all that follow. May be taken while the file is locked, never the other way round.
@@ -38,5 +41,7 @@ private:
     Records m_lstRecords; // oldest first
     bool m_bRunning = false;
     UniqueHandle m_hWriter; // of the last thread, also when that has ended
+    // What the writer has taken is lost too; it looks without the lock.
+    std::atomic<bool> m_bDiscards{false};
 };
 } // namespace Orvik::Shared

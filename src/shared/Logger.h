@@ -44,7 +44,7 @@ public:
 
     // One record: level number, qualified function name, wide printf format of the C runtime (null counts as empty).
     // At most 511 characters of message are kept. Never throws; the thread's last-error code survives; a listener that
-    // throws loses the record, the others get it. Does nothing once process end has begun.
+    // throws loses the record, the others get it. A call that begins after the end of the process does nothing.
     void Log(int level, const char* functionName, const wchar_t* format, ...) noexcept;
 
     // True when a listener to file takes Diag records: only then is a CElapsedTimer worth making.
@@ -52,8 +52,7 @@ public:
 
     [[nodiscard]] TimingStatistics& Statistics() noexcept { return m_statistics; }
 
-    // For the end of the process, when nobody logs any more: queued records come into the log file, within about a
-    // second.
+    // For the end of the process: gives queued records about a second to come into the log file; the others are lost.
     void Finish() noexcept;
 
     // The levels between the overall limits, as g_enabledLevels holds them.

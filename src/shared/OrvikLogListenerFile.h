@@ -13,8 +13,8 @@ namespace Orvik::Shared
 class COrvikLogListenerFile final : public COrvikLogListener
 {
 public:
-    // queued is overridden by the policy value "QueuedWrites", a number. A file that is no log is moved aside. Raises
-    // std::bad_alloc.
+    // queued is overridden by the policy value "QueuedWrites", a number, where the file can be opened. A file that is
+    // no log is moved aside. Raises std::bad_alloc.
     COrvikLogListenerFile(bool queued, int defaultMinLevel, const LoggingPolicy& policy);
     COrvikLogListenerFile(const COrvikLogListenerFile&) = delete;
     COrvikLogListenerFile& operator=(const COrvikLogListenerFile&) = delete;
