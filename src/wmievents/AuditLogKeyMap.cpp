@@ -31,6 +31,7 @@ AuditLogKeyMap& AuditLogKeyMap::Instance()
     return map;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): moved into the map
 void AuditLogKeyMap::Insert(std::string key, std::string value)
 {
     const CriticalSectionLock lock(m_cs);

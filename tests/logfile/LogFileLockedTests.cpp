@@ -24,7 +24,8 @@ TEST_F(LogFileLocked, OldestFile_StopsTheRenamingBeforeItBegins)
         const UniqueHandle lock = Lock(m_folder.Older(3));
         Rotate();
     }
-    EXPECT_THAT(Files(), ElementsAre(".log: current", "_0001.log: older 1", "_0002.log: older 2", "_0003.log: older 3"));
+    EXPECT_THAT(Files(),
+                ElementsAre(".log: current", "_0001.log: older 1", "_0002.log: older 2", "_0003.log: older 3"));
 }
 
 TEST_F(LogFileLocked, FileInTheMiddle_LeavesTheYoungerOnes)

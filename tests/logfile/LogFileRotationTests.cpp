@@ -205,7 +205,7 @@ TEST_F(LogFileRotation, ManyRotations_KeepTheLastNine)
 TEST_F(LogFileRotation, LastDotOfThePath_EndsTheStem)
 {
     m_folder.Add(m_folder.Path(L"a.b.log"), "current").Add(m_folder.Path(L"a.b_0001.log"), "older", 1);
-    Orvik::Shared::RotateLogFiles(m_folder.Path(L"a.b.log"));
+    Rotate(m_folder.Path(L"a.b.log"));
     EXPECT_THAT(Files(), ElementsAre("a.b_0001.log: current", "a.b_0002.log: older"));
 }
 
@@ -222,8 +222,8 @@ TEST_F(LogFileRotation, LongestPath_IsRotatedOrLeftWhole)
         listener.Write(MakeRecord(L"message " + std::to_wstring(i)));
     const std::wstring path = folder + L"\\orvikLog\\logfile_tests.log";
     Strings messages;
-    for (const std::wstring& name : {path.substr(0, path.size() - 4) + L"_0002.log",
-                                     path.substr(0, path.size() - 4) + L"_0001.log", path})
+    for (const std::wstring& name :
+         {path.substr(0, path.size() - 4) + L"_0002.log", path.substr(0, path.size() - 4) + L"_0001.log", path})
     {
         if (Exists(name))
             std::ranges::copy(MessagesIn(BytesIn(name)), std::back_inserter(messages));

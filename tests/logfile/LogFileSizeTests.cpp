@@ -21,7 +21,9 @@ protected:
         Listener().Write(record);
         const bool isRotated = Exists(m_folder.Older(1));
         if (isRotated)
+        {
             EXPECT_EQ(BytesIn(m_folder.Older(1)), bytes);
+        }
         EXPECT_EQ(BytesIn(m_folder.LogPath()), (isRotated ? std::string(ByteOrderMark) : bytes) + LineOf(record));
         return isRotated;
     }
@@ -99,14 +101,14 @@ TEST_F(LogFileSize, LargestValues_AreLimitsToo)
 
 TEST_F(LogFileSize, FileOfFourGibibytes_IsRotated)
 {
-    const auto call = Replace<decltype(GetFileAttributesExW)>("GetFileAttributesExW",
-                                                              [](auto original, auto path, auto level, void* data)
-                                                              {
-                                                                  const auto result = original(path, level, data);
-                                                                  static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(data)
-                                                                      ->nFileSizeHigh = 1;
-                                                                  return result;
-                                                              });
+    const auto call =
+        Replace<decltype(GetFileAttributesExW)>("GetFileAttributesExW",
+                                                [](auto original, auto path, auto level, void* data)
+                                                {
+                                                    const auto result = original(path, level, data);
+                                                    static_cast<WIN32_FILE_ATTRIBUTE_DATA*>(data)->nFileSizeHigh = 1;
+                                                    return result;
+                                                });
     EXPECT_TRUE(IsRotatedAt(200));
 }
 

@@ -25,7 +25,7 @@ protected:
     using Strings = std::vector<std::string>;
     using WideStrings = std::vector<std::wstring>;
 
-    [[nodiscard]] static COrvikLogListenerFile Listener(bool queued = false)
+    static COrvikLogListenerFile Listener(bool queued = false)
     {
         return {queued, Orvik::Shared::Level::Error, LoggingPolicy()};
     }

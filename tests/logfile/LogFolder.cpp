@@ -33,8 +33,8 @@ UniqueHandle Open(const std::wstring& path, DWORD access, DWORD disposition)
     const HANDLE file = CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                     nullptr, disposition, 0, nullptr);
     if (file == INVALID_HANDLE_VALUE)
-        throw std::runtime_error(std::filesystem::path(path).string() + " cannot be opened: " +
-                                 std::to_string(GetLastError()));
+        throw std::runtime_error(std::filesystem::path(path).string() +
+                                 " cannot be opened: " + std::to_string(GetLastError()));
     return UniqueHandle(file);
 }
 } // namespace

@@ -2,8 +2,8 @@
 
 #include "simulator/redirect/ImportRedirection.h"
 
-#include <windows.h>
 #include <shlobj.h>
+#include <windows.h>
 
 #include <string>
 #include <string_view>

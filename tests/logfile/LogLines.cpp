@@ -52,7 +52,8 @@ std::string MessageOf(std::string_view line)
     if (!Matches(line))
         Complain("no whole line", line);
     const std::string_view message = line.substr(g_pattern.size());
-    if (message.find_first_of("\r\n") != std::string_view::npos || message.find(ByteOrderMark) != std::string_view::npos)
+    if (message.find_first_of("\r\n") != std::string_view::npos ||
+        message.find(ByteOrderMark) != std::string_view::npos)
         Complain("two lines in one", line);
     return std::string(message);
 }

@@ -19,9 +19,9 @@ using LogRecord = Orvik::Shared::COrvikLogListener::LogData;
 // Its line in UTF-8, with the line's end.
 [[nodiscard]] std::string LineOf(const LogRecord& record);
 
-// The messages of all lines of a log file's bytes, in order. Raises std::runtime_error, which names the place, unless it
-// is whole: a mark, then lines of which each begins with a record's time, thread, level and the name "N::C::F" and ends
-// with a line's end, and no mark again.
+// The messages of all lines of a log file's bytes, in order. Raises std::runtime_error, which names the place, unless
+// it is whole: a mark, then lines of which each begins with a record's time, thread, level and the name "N::C::F" and
+// ends with a line's end, and no mark again.
 [[nodiscard]] std::vector<std::string> MessagesIn(std::string_view bytes);
 
 // The same for one line without its end: its message.

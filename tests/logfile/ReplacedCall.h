@@ -2,8 +2,14 @@
 
 #include "simulator/redirect/ImportRedirection.h"
 
+#include <cstddef>
+#include <cstdio>
 #include <stdexcept>
+#include <string>
 #include <utility>
+
+// The type of fwrite; its own name carries attributes that a template argument cannot.
+using WriteFunction = std::size_t(const void*, std::size_t, std::size_t, std::FILE*);
 
 // For the life of the object a function that the program imports is the test's: the handler is called with the function
 // that it stands for and with the arguments. Calls come from any thread; nobody calls while it is made or ends.
@@ -44,8 +50,8 @@ template <class Function, class Handler>
     return ReplacedCall<Function, Handler>(name, std::move(handler));
 }
 
-// The n-th call from now on (1 is the next) gives the result, with that last-error code, and does nothing else; with n 0
-// every call does.
+// The n-th call from now on (1 is the next) gives the result, with that last-error code, and does nothing else; with n
+// 0 every call does.
 template <class Function, class Result>
 [[nodiscard]] auto FailCall(const char* name, unsigned nth, Result result, unsigned long lastError)
 {

@@ -21,7 +21,13 @@ protected:
         m_folder.Add(m_folder.Path(name), bytes, age);
     }
 
-    void Rotate() const { Orvik::Shared::RotateLogFiles(m_folder.LogPath()); }
+    // As the log file does once it is closed.
+    static void Rotate(const std::wstring& path)
+    {
+        if (const std::wstring newest = Orvik::Shared::MoveOlderLogFilesUp(path); !newest.empty())
+            MoveFileW(path.c_str(), newest.c_str());
+    }
+    void Rotate() const { Rotate(m_folder.LogPath()); }
 
     // "ending: bytes" for each file of the folder in the order of names; the ending is what follows "logfile_tests".
     [[nodiscard]] Strings Files() const

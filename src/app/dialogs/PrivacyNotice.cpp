@@ -47,7 +47,7 @@ bool IsPrivacyNoticeSilenced()
 void SilencePrivacyNotice()
 {
     if (const UniqueFile file = OpenMarker(L"w"))
-        std::fprintf(file.get(), "%s", "true");
+        static_cast<void>(std::fprintf(file.get(), "%s", "true"));
 }
 
 void ReactivatePrivacyNotice()
