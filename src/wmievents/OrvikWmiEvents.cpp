@@ -23,7 +23,7 @@ void UnregisterExisting(const std::unique_ptr<Subscription>& subscription)
 
 COrvikWmiEvents::COrvikWmiEvents()
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     static_cast<void>(CoInitialize(nullptr));
     m_strSmartAdapterHelperPath = GetSmartAdapterHelperPath();
     InitializeCriticalSection(&g_csLogging);
@@ -33,7 +33,7 @@ COrvikWmiEvents::COrvikWmiEvents()
 
 COrvikWmiEvents::~COrvikWmiEvents()
 {
-    TraceScope trace(ORVIK_FUNCTION);
+    const TraceScope trace(ORVIK_FUNCTION);
     UnregisterExisting(m_pSmartAdapterEvent);
     UnregisterExisting(m_pVeritorEvent);
     UnregisterExisting(m_pUSBCEvent);

@@ -28,7 +28,7 @@ WORD EventTypeOf(const std::wstring& logType)
 
 void WriteRecord(const TraceScope& trace, HANDLE source, WORD type, int eventId, const wchar_t* text)
 {
-    const DWORD number = static_cast<DWORD>(eventId);
+    const auto number = static_cast<DWORD>(eventId);
     if (!ReportEventW(source, type, 0, number, nullptr, 1, 0, &text, nullptr))
         trace.Information(L"ReportEvent failed, GatLastError() return: hr = 0x%X", GetLastError());
 }

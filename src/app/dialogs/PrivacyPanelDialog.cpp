@@ -30,7 +30,7 @@ INT_PTR CALLBACK PrivacyPanelDialogProc(HWND dialog, UINT message, WPARAM wParam
     case WM_COMMAND:
         FollowCheckBox(dialog);
         // A click on the check box is a command too: the dialog stays.
-        if (wParam != 0 && !(message == WM_COMMAND && wParam == IDOK))
+        if (wParam != 0 && (message != WM_COMMAND || wParam != IDOK))
             return FALSE;
         EndDialog(dialog, 0);
         return TRUE;
