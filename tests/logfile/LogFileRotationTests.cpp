@@ -5,7 +5,6 @@ namespace
 using Orvik::Shared::UniqueHandle;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class LogFileRotation : public RotationTest
 {

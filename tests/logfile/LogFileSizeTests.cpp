@@ -3,7 +3,6 @@
 namespace
 {
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr unsigned g_defaultLimit = 2'097'152;
 

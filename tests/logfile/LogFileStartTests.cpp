@@ -3,7 +3,6 @@
 namespace
 {
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 // "2024/03/05 14:07:09.042|" has a mark at these positions.
 constexpr std::size_t g_marks[] = {4, 7, 10, 13, 16, 19, 23};

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+// The text of a writer's record number 1, 2, 3...
+[[nodiscard]] std::wstring TextOf(unsigned writer, unsigned number);
+
+// Takes the messages of log files in order and sees that none of a writer's is missing, doubled or out of order. The
+// first of each writer may have any number where the beginning of the log is gone.
+class LinesByWriter
+{
+public:
+    enum class Beginning
+    {
+        IsThere,
+        MayBeGone
+    };
+
+    explicit LinesByWriter(Beginning beginning = Beginning::IsThere) noexcept : m_beginning(beginning) {}
+
+    // Raises std::runtime_error, which shows the message, for one that may not stand here.
+    void Add(std::string_view message);
+    // Number of the last record of that writer; 0: there was none.
+    [[nodiscard]] unsigned LastOf(unsigned writer) const;
+
+private:
+    Beginning m_beginning;
+    std::map<unsigned, unsigned> m_mapLast;
+};
