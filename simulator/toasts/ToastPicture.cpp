@@ -60,6 +60,8 @@ HRESULT SavePicture(const std::vector<HWND>& windows, int margin, const std::wst
         UpdateWindow(window);
         const RECT place = PlaceOf(window);
         HDC source = GetWindowDC(window);
+        // What a window shows from right to left would be copied as in a mirror.
+        SetLayout(source, 0);
         const BOOL copied = BitBlt(picture.Context(), place.left - bounds.left, place.top - bounds.top,
                                    place.right - place.left, place.bottom - place.top, source, 0, 0, SRCCOPY);
         ReleaseDC(window, source);

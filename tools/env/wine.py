@@ -11,18 +11,20 @@ from . import places
 from .errors import EnvironmentFault
 
 # Goes up when a template made before would no longer do.
-_TEMPLATE_REVISION = 4
+_TEMPLATE_REVISION = 5
 _SECONDS_TO_CREATE = 300
 # Debian puts the loader and the server here and a shell script that looks for them on the path.
 _DEBIAN_FOLDER = Path("/usr/lib/wine")
-# Wine's own substitutes for the fonts of Windows depend on what is installed; one choice makes pictures alike everywhere.
+# Wine's own substitutes for the fonts of Windows depend on what is installed; one choice makes pictures alike everywhere,
+# and dialogs about as wide as those of Windows: there "MS Shell Dlg" is Microsoft Sans Serif, which is taken to be like
+# Arial, and Liberation Sans has the widths of Arial.
 _SETTINGS = r"""REGEDIT4
 
 [HKEY_CURRENT_USER\Software\Wine\Fonts\Replacements]
 "Segoe UI"="DejaVu Sans"
-"Tahoma"="DejaVu Sans"
-"MS Shell Dlg"="DejaVu Sans"
-"MS Shell Dlg 2"="DejaVu Sans"
+"Tahoma"="Liberation Sans"
+"MS Shell Dlg"="Liberation Sans"
+"MS Shell Dlg 2"="Liberation Sans"
 
 ; No window manager runs on our displays: Wine draws the frames of windows itself, and does not wait two seconds for one
 ; to take a window away that is closed.

@@ -13,9 +13,10 @@ namespace
 class Reader
 {
 public:
-    explicit Reader(UINT id)
+    Reader(UINT id, WORD language)
     {
-        const HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(id), MAKEINTRESOURCEW(5)); // RT_DIALOG
+        const HRSRC resource =
+            FindResourceExW(nullptr, MAKEINTRESOURCEW(5), MAKEINTRESOURCEW(id), language); // RT_DIALOG
         const HGLOBAL loaded = resource != nullptr ? LoadResource(nullptr, resource) : nullptr;
         const void* const bytes = loaded != nullptr ? LockResource(loaded) : nullptr;
         if (bytes == nullptr)
@@ -97,9 +98,9 @@ void PrintTo(const ControlTemplate& control, std::ostream* stream)
             << std::hex << " style " << control.m_nStyle << " extended " << control.m_nExStyle << std::dec;
 }
 
-DialogTemplate::DialogTemplate(UINT id)
+DialogTemplate::DialogTemplate(UINT id, WORD language)
 {
-    Reader reader(id);
+    Reader reader(id, language);
     reader.ReadSignature();
     static_cast<void>(reader.Read<std::uint32_t>()); // help context
     m_nExStyle = reader.Read<std::uint32_t>();

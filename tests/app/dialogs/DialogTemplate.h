@@ -25,8 +25,9 @@ void PrintTo(const ControlTemplate& control, std::ostream* stream);
 // An extended dialog template, read from the bytes of the program's resource.
 struct DialogTemplate
 {
-    // Raises std::runtime_error when there is no such resource or when it has another form.
-    explicit DialogTemplate(UINT id);
+    // Raises std::runtime_error when there is no such resource or when it has another form. The English one, unless a
+    // language says otherwise.
+    explicit DialogTemplate(UINT id, WORD language = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US));
 
     std::vector<int> m_lstPlace;
     std::uint32_t m_nStyle = 0;

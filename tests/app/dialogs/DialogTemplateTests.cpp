@@ -62,6 +62,22 @@ TEST_P(DialogTemplateTest, Language_EnglishOfTheUnitedStates)
     EXPECT_NE(FindResourceExW(nullptr, MAKEINTRESOURCEW(5), MAKEINTRESOURCEW(GetParam()), language), nullptr);
 }
 
+// Extended styles that a mirrored window turns round again are not among them.
+TEST_P(DialogTemplateTest, RightToLeft_IsTheEnglishOneMirrored)
+{
+    for (const WORD language : {WORD{LANG_ARABIC}, WORD{LANG_HEBREW}})
+    {
+        const DialogTemplate mirrored(GetParam(), language);
+        EXPECT_EQ(mirrored.m_nExStyle, m_template.m_nExStyle | WS_EX_LAYOUTRTL) << language;
+        EXPECT_EQ(mirrored.m_nStyle, m_template.m_nStyle) << language;
+        EXPECT_EQ(mirrored.m_lstPlace, m_template.m_lstPlace) << language;
+        EXPECT_EQ(mirrored.m_strCaption, m_template.m_strCaption) << language;
+        EXPECT_EQ(mirrored.m_strFont, m_template.m_strFont) << language;
+        EXPECT_EQ(mirrored.m_nPointSize, m_template.m_nPointSize) << language;
+        EXPECT_EQ(mirrored.m_lstControls, m_template.m_lstControls) << language;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Dialogs, DialogTemplateTest, testing::Values(102u, 142u),
                          [](const auto& test) { return std::to_string(test.param); });
 

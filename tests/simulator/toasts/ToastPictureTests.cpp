@@ -1,4 +1,5 @@
 #include "simulator/toasts/GdiObjects.h"
+#include "simulator/toasts/ToastPicture.h"
 #include "tests/simulator/toasts/ScreenTest.h"
 
 #include <objidl.h>
@@ -106,6 +107,30 @@ TEST_F(ToastPictureTest, All_HoldsEveryToastAtItsPlace)
             ASSERT_EQ(all.At(x + 16, y + 16), one.At(x, y)) << x << "," << y;
     }
     EXPECT_EQ(all.Count(g_white), one.Count(g_white) + two.Count(g_white));
+}
+
+// Dialogs of languages that are written from right to left are pictured too.
+TEST_F(ToastPictureTest, MirroredWindow_IsPicturedAsItLooks)
+{
+    constexpr LONG side = 100;
+    const HWND window = CreateWindowExW(WS_EX_LAYOUTRTL, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, 0, side, side,
+                                        nullptr, nullptr, nullptr, nullptr);
+    ASSERT_NE(window, nullptr);
+    UpdateWindow(window);
+    // In coordinates of the screen: red at the left.
+    const HDC context = GetDC(window);
+    SetLayout(context, 0);
+    const RECT left{0, 0, side / 2, side};
+    const HBRUSH red = CreateSolidBrush(RGB(255, 0, 0));
+    FillRect(context, &left, red);
+    DeleteObject(red);
+    ReleaseDC(window, context);
+    const std::wstring file = TemporaryFile(L"mirrored.png");
+    EXPECT_EQ(Simulator::SavePicture({window}, 0, file), S_OK);
+    DestroyWindow(window);
+    const PixelImage picture(file);
+    EXPECT_EQ(picture.At(5, side / 2), g_red);
+    EXPECT_NE(picture.At(side - 5, side / 2), g_red);
 }
 
 TEST_F(ToastPictureTest, UnknownToast_HasNoPicture)
