@@ -17,7 +17,7 @@ _BOOK_FILES = re.compile(r"^windows/Installer(/|$)")
 _NOISE_FILES = re.compile(r"^(users/[^/]+/(AppData/Local/)?Temp|windows/temp)(/|$)", re.IGNORECASE)
 
 # What Windows changes while it runs.
-_VOLATILE = ("system\\currentcontrolset\\enum", "hardware", "system\\currentcontrolset\\control\\session manager")
+_VOLATILE = ("system\\currentcontrolset\\enum", "system\\currentcontrolset\\control\\", "hardware")
 
 
 def run(*words, timeout=300):
