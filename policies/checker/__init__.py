@@ -1,0 +1,1 @@
+"""Whether policy templates are what Windows and Intune take."""

@@ -1,0 +1,1 @@
+"""Everything that is made of policies.json and of one file of texts per language."""
