@@ -18,7 +18,6 @@
 #include <atomic>
 #include <cstdio>
 #include <limits>
-#include <type_traits>
 
 using Notifications::OrvikWmiEvents::COrvikWmiEvents;
 using Simulator::CallPlan;
@@ -36,8 +35,6 @@ constexpr const char* Handler = "Notifications::OrvikWmiEvents::COrvikWmiEvents:
 constexpr const wchar_t* Marker = L"IgnoreLumbraDialog.txt";
 
 // The hub's flag is its first member.
-static_assert(std::is_standard_layout_v<COrvikWmiEvents>);
-
 bool MayShowNotice(const COrvikWmiEvents& hub)
 {
     return *reinterpret_cast<const std::atomic<bool>*>(&hub);
