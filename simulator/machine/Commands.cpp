@@ -1,10 +1,13 @@
 #include "simulator/machine/Commands.h"
 
+#include "shared/OwnerTypes.h"
 #include "simulator/model/Journal.h"
 
+#include <windows.h>
+
+#include <memory>
 #include <stdexcept>
 #include <string_view>
-#include <thread>
 
 namespace Simulator
 {
@@ -44,6 +47,12 @@ const Command& Find(std::string_view name)
     throw std::runtime_error("the machine has no command " + std::string(name));
 }
 
+struct Work
+{
+    const Command& m_command;
+    nlohmann::json m_arguments;
+};
+
 void CarryOut(const Command& command, const nlohmann::json& arguments)
 {
     nlohmann::json answer = nlohmann::json::object();
@@ -59,6 +68,25 @@ void CarryOut(const Command& command, const nlohmann::json& arguments)
     answer["id"] = arguments.at("id");
     Journal::Instance().Append("machine", "answer", std::move(answer));
 }
+
+DWORD WINAPI RunThread(void* work)
+{
+    const std::unique_ptr<Work> owned(static_cast<Work*>(work));
+    CarryOut(owned->m_command, owned->m_arguments);
+    return 0;
+}
+
+// A thread of Windows' own. One of the standard library, detached while the last one was just ending, has been seen to
+// start without the work it was given.
+void StartThread(const Command& command, const nlohmann::json& arguments)
+{
+    auto work = std::make_unique<Work>(Work{command, arguments});
+    const Orvik::Shared::UniqueHandle thread(CreateThread(nullptr, 0, &RunThread, work.get(), 0, nullptr));
+    if (!thread)
+        throw std::runtime_error("no thread can be started");
+    // The thread owns it from here on.
+    static_cast<void>(work.release());
+}
 } // namespace
 
 void ExecuteCommand(const std::string& text)
@@ -70,7 +98,7 @@ void ExecuteCommand(const std::string& text)
     {
         const Command& command = Find(arguments.value("command", std::string()));
         if (command.m_bCallsAgent)
-            std::thread([&command, arguments] { CarryOut(command, arguments); }).detach();
+            StartThread(command, arguments);
         else
             CarryOut(command, arguments);
     }

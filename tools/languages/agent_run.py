@@ -18,7 +18,6 @@ LOCALES = {
     "th_TH": "th", "tr_TR": "tr", "sl_SI": "sl", "et_EE": "et", "lv_LV": "lv", "lt_LT": "lt", "zh_TW": "zh-Hant",
     "fr_FR": "fr", "ja_JP": "ja", "pt_BR": "pt-BR", "hr_HR": "hr", "pt_PT": "pt-PT",
 }
-_HANGS = "the agent did not return within"
 
 
 def texts_of(res, language):
@@ -32,17 +31,7 @@ def texts_of(res, language):
 def run_scenario(command, out, locale, scenario):
     """Runs the scenario under the locale; what the run said when it went wrong, else nothing.
 
-    The command is a tools/wine-run line that runs scenarios; folder of output and scenario are added to it. On a very
-    busy machine two of some 200 runs had no answer from the agent's process; why is not known, and 1,500 dialogs in a row
-    did not show it again. Such a run is named and gets one more try."""
-    said = _run_once(command, out, locale, scenario)
-    if _HANGS in said:
-        print(f"{locale}: the agent gave no answer; once more", flush=True)
-        said = _run_once(command, out, locale, scenario)
-    return said
-
-
-def _run_once(command, out, locale, scenario):
+    The command is a tools/wine-run line that runs scenarios; folder of output and scenario are added to it."""
     region, at, variant = locale.partition("@")
     out.mkdir(parents=True, exist_ok=True)
     file = out / f"{locale}.json"

@@ -20,10 +20,10 @@ using Tests::ProgramString;
 
 // Whether the texts have room in their controls. An edit control that is too small closes dialog 102.
 //
-// On Windows the font of the dialogs, "MS Shell Dlg", is Microsoft Sans Serif. Its letters are taken to be about as wide
-// as those of Arial, whose widths Liberation Sans has: that is measured here, and for the scripts that it lacks another
-// font as a whole, DejaVu Sans for Arabic and Hebrew, WenQuanYi Micro Hei for Chinese, Japanese and Korean, Loma for Thai.
-// The fonts of Windows itself, and those that an East Asian Windows takes, have not been measured.
+// On Windows the font of the dialogs, "MS Shell Dlg", is Microsoft Sans Serif. Its letters are taken to be about as
+// wide as those of Arial, whose widths Liberation Sans has: that is measured here, and for the scripts that it lacks
+// another font as a whole, DejaVu Sans for Arabic and Hebrew, WenQuanYi Micro Hei for Chinese, Japanese and Korean,
+// Loma for Thai. The fonts of Windows itself, and those that an East Asian Windows takes, have not been measured.
 namespace
 {
 constexpr UINT g_messageTexts[] = {515, 523, 524, 525, 529, 552};
