@@ -8,6 +8,8 @@
 
 namespace Orvik::Shared
 {
+class CLogDataList;
+
 // One record on its way to the listeners. Belongs to one thread at a time; a copy is complete.
 class COrvikLogListener::LogData
 {
@@ -34,6 +36,13 @@ public:
     [[nodiscard]] std::wstring ShortLine() const;
 
 private:
+    friend class CLogDataList; // packs and unpacks them
+
+    LogData(int level, const SYSTEMTIME& time, DWORD threadId) noexcept
+        : m_nLevel(level), m_time(time), m_dwThreadId(threadId)
+    {
+    }
+
     std::string m_strFunctionName;
     std::wstring m_strMessage;
     int m_nLevel;

@@ -22,7 +22,7 @@ CLogFileWriteQueue::CLogFileWriteQueue(std::shared_ptr<CLogFile> file) noexcept 
 void CLogFileWriteQueue::Append(const COrvikLogListener::LogData& data)
 {
     const CriticalSectionLock lock(m_cs);
-    m_lstRecords.push_back(data);
+    m_lstRecords.PushBack(data);
     if (!m_bRunning)
         StartWriter();
 }
@@ -53,18 +53,18 @@ void CLogFileWriteQueue::WriteBatch() noexcept
     }
     const LogFileClosing closing(*m_pFile);
     // All at once: who logs meets the writer at the lock once for a batch, not for each record.
-    for (Records records; TakeAll(records); records.clear())
+    for (CLogDataList records; TakeAll(records); records.Clear())
     {
-        for (; !records.empty() && !m_bDiscards; records.pop_front())
-            Write(records.front());
+        for (; !records.IsEmpty() && !m_bDiscards; records.PopFront())
+            WriteOldest(records);
     }
 }
 
-void CLogFileWriteQueue::Write(const COrvikLogListener::LogData& record) noexcept
+void CLogFileWriteQueue::WriteOldest(const CLogDataList& records) noexcept
 {
     try
     {
-        m_pFile->WriteRecord(record);
+        m_pFile->WriteRecord(records.Front());
     }
     catch (const std::exception&) // NOLINT(bugprone-empty-catch)
     {
@@ -73,12 +73,12 @@ void CLogFileWriteQueue::Write(const COrvikLogListener::LogData& record) noexcep
 }
 
 // False, and the next record starts another thread, when there is none.
-bool CLogFileWriteQueue::TakeAll(Records& records) noexcept
+bool CLogFileWriteQueue::TakeAll(CLogDataList& records) noexcept
 {
     const CriticalSectionLock lock(m_cs);
-    m_bRunning = !m_lstRecords.empty();
+    m_bRunning = !m_lstRecords.IsEmpty();
     m_bDiscards = false;
-    records.splice(records.begin(), m_lstRecords);
+    records.TakeAll(m_lstRecords);
     return m_bRunning;
 }
 
@@ -97,7 +97,7 @@ void CLogFileWriteQueue::Finish() noexcept
             break;
     }
     const CriticalSectionLock lock(m_cs);
-    m_lstRecords.clear();
+    m_lstRecords.Clear();
     m_bDiscards = true;
     m_hWriter.reset();
 }
@@ -106,7 +106,7 @@ void CLogFileWriteQueue::Finish() noexcept
 UniqueHandle CLogFileWriteQueue::WriterToWaitFor() noexcept
 {
     const CriticalSectionLock lock(m_cs);
-    if (m_bRunning && !m_lstRecords.empty())
+    if (m_bRunning && !m_lstRecords.IsEmpty())
         Sleep(g_dwPause);
     // A handle of our own: a late record closes the other one when it starts the next thread.
     UniqueHandle writer;

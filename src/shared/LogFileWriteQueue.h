@@ -1,11 +1,10 @@
 #pragma once
 
-#include "shared/LogData.h"
+#include "shared/LogDataList.h"
 #include "shared/LogFile.h"
 #include "shared/OwnerTypes.h"
 
 #include <atomic>
-#include <list>
 #include <memory>
 
 namespace Orvik::Shared
@@ -25,20 +24,18 @@ public:
     void Finish() noexcept;
 
 private:
-    using Records = std::list<COrvikLogListener::LogData>;
-
     static unsigned __stdcall ThreadRoutine(void* queue) noexcept;
     void StartWriter();
     void WriteBatch() noexcept;
-    void Write(const COrvikLogListener::LogData& record) noexcept;
-    [[nodiscard]] bool TakeAll(Records& records) noexcept;
+    void WriteOldest(const CLogDataList& records) noexcept;
+    [[nodiscard]] bool TakeAll(CLogDataList& records) noexcept;
     void WriterHasEnded() noexcept;
     [[nodiscard]] UniqueHandle WriterToWaitFor() noexcept;
 
     const std::shared_ptr<CLogFile> m_pFile;
     // Guards all that follow. May be taken while the file is locked, never the other way round.
     CriticalSection m_cs;
-    Records m_lstRecords; // oldest first
+    CLogDataList m_lstRecords;
     bool m_bRunning = false;
     UniqueHandle m_hWriter; // of the last thread, also when that has ended
     // What the writer has taken is lost too; it looks without the lock.

@@ -1,0 +1,121 @@
+#include "shared/LogDataList.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+namespace Orvik::Shared
+{
+namespace
+{
+// A page, less what the heap and the list keep of their own beside it.
+constexpr std::size_t g_blockSize = 4000;
+
+// Begins a packed record; the wide texts follow, then the function name, and padding that keeps the next one aligned.
+struct PackedRecord
+{
+    SYSTEMTIME m_time;
+    int m_nLevel;
+    DWORD m_dwThreadId;
+    std::uint32_t m_nMessage; // lengths in characters
+    std::uint32_t m_nLevelName;
+    std::uint32_t m_nLine;
+    std::uint32_t m_nFunctionName;
+};
+
+std::size_t SizeOf(const PackedRecord& record) noexcept
+{
+    const std::size_t wide = std::size_t{record.m_nMessage} + record.m_nLevelName + record.m_nLine;
+    const std::size_t size = sizeof(record) + wide * sizeof(wchar_t) + record.m_nFunctionName;
+    return (size + alignof(PackedRecord) - 1) / alignof(PackedRecord) * alignof(PackedRecord);
+}
+
+PackedRecord ReadHeader(const std::byte* place) noexcept
+{
+    PackedRecord record;
+    std::memcpy(&record, place, sizeof(record));
+    return record;
+}
+
+template <typename Text>
+void Put(std::byte*& place, const Text& text) noexcept
+{
+    const std::size_t size = text.size() * sizeof(text[0]);
+    std::memcpy(place, text.data(), size);
+    place += size;
+}
+
+template <typename Text>
+void Get(const std::byte*& place, std::size_t length, Text& text)
+{
+    text.resize(length);
+    const std::size_t size = length * sizeof(text[0]);
+    std::memcpy(text.data(), place, size);
+    place += size;
+}
+} // namespace
+
+void CLogDataList::PushBack(const COrvikLogListener::LogData& data)
+{
+    const auto length = [](const auto& text) { return static_cast<std::uint32_t>(text.size()); };
+    const PackedRecord record{data.m_time,
+                              data.m_nLevel,
+                              data.m_dwThreadId,
+                              length(data.m_strMessage),
+                              length(data.m_strLevelName),
+                              length(data.m_strLine),
+                              length(data.m_strFunctionName)};
+    std::byte* place = Reserve(SizeOf(record));
+    std::memcpy(place, &record, sizeof(record));
+    place += sizeof(record);
+    Put(place, data.m_strMessage);
+    Put(place, data.m_strLevelName);
+    Put(place, data.m_strLine);
+    Put(place, data.m_strFunctionName);
+}
+
+std::byte* CLogDataList::Reserve(std::size_t size)
+{
+    if (m_lstBlocks.empty() || m_lstBlocks.back().m_nCapacity - m_lstBlocks.back().m_nEnd < size)
+    {
+        const std::size_t capacity = std::max(size, g_blockSize);
+        m_lstBlocks.push_back({std::make_unique_for_overwrite<std::byte[]>(capacity), capacity});
+    }
+    Block& block = m_lstBlocks.back();
+    std::byte* const place = block.m_pBytes.get() + block.m_nEnd;
+    block.m_nEnd += size;
+    return place;
+}
+
+COrvikLogListener::LogData CLogDataList::Front() const
+{
+    const Block& block = m_lstBlocks.front();
+    const std::byte* place = block.m_pBytes.get() + block.m_nBegin;
+    const PackedRecord record = ReadHeader(place);
+    place += sizeof(record);
+    COrvikLogListener::LogData data(record.m_nLevel, record.m_time, record.m_dwThreadId);
+    Get(place, record.m_nMessage, data.m_strMessage);
+    Get(place, record.m_nLevelName, data.m_strLevelName);
+    Get(place, record.m_nLine, data.m_strLine);
+    Get(place, record.m_nFunctionName, data.m_strFunctionName);
+    return data;
+}
+
+void CLogDataList::PopFront() noexcept
+{
+    Block& block = m_lstBlocks.front();
+    block.m_nBegin += SizeOf(ReadHeader(block.m_pBytes.get() + block.m_nBegin));
+    if (block.m_nBegin == block.m_nEnd)
+        m_lstBlocks.pop_front();
+}
+
+void CLogDataList::TakeAll(CLogDataList& other) noexcept
+{
+    m_lstBlocks.splice(m_lstBlocks.end(), other.m_lstBlocks);
+}
+
+void CLogDataList::Clear() noexcept
+{
+    m_lstBlocks.clear();
+}
+} // namespace Orvik::Shared
