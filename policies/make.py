@@ -12,14 +12,12 @@ sys.path.insert(0, str(Path(__file__).resolve().parent))
 from templates import admx, adml, data, guide, header, registry  # noqa: E402
 
 GUIDE = Path(__file__).resolve().parents[1] / "docs" / "administrators.md"
-# The guide is English.
-_LANGUAGE = "en-US"
 
 
 def files(policies, texts):
     """Path below the folder -> bytes. texts: language -> texts."""
     name = policies["file"]
-    made = {f"{name}.admx": admx.make(policies), f"{name}.reg": registry.make_sample(policies, texts[_LANGUAGE]),
+    made = {f"{name}.admx": admx.make(policies), f"{name}.reg": registry.make_sample(policies, texts[data.GUIDE_LANGUAGE]),
             "PolicyTable.h": header.make(policies).encode()}
     for language, own in texts.items():
         made[f"{language}/{name}.adml"] = adml.make(policies, own)
@@ -48,7 +46,7 @@ def main(arguments):
             _write(arguments[1], files(policies, texts))
         elif arguments[:1] == ["guide"] and len(arguments) <= 2:
             path = Path(arguments[1]) if arguments[1:] else GUIDE
-            path.write_text(guide.replace(path.read_text(encoding="utf-8"), guide.tables(policies, texts[_LANGUAGE])),
+            path.write_text(guide.replace(path.read_text(encoding="utf-8"), guide.tables(policies, texts[data.GUIDE_LANGUAGE])),
                             encoding="utf-8")
         else:
             print(__doc__, file=sys.stderr)

@@ -40,8 +40,8 @@ class References:
         self._languages = languages
         self._categories = template.findall("p:categories/p:category", _NS)
         self._policies = template.findall("p:policies/p:policy", _NS)
-        self._targets = {element.get("prefix") for element in template.findall("p:policyNamespaces/p:target", _NS)}
-        self._using = {element.get("prefix") for element in template.findall("p:policyNamespaces/p:using", _NS)}
+        self._targets = [element.get("prefix") for element in template.findall("p:policyNamespaces/p:target", _NS)]
+        self._using = [element.get("prefix") for element in template.findall("p:policyNamespaces/p:using", _NS)]
 
     def check(self):
         """The findings."""
@@ -61,7 +61,7 @@ class References:
                                ("supportedOn", supports + products)):
             for name in _duplicates([element.get("name") for element in elements]):
                 yield Finding(self._file, what, f"{name} stands twice")
-        for prefix in _duplicates([*self._targets, *self._using]) + sorted(self._targets & self._using):
+        for prefix in _duplicates([*self._targets, *self._using]):
             yield Finding(self._file, "policyNamespaces", f"the prefix {prefix} stands twice")
 
     def _is_known(self, reference, elements):

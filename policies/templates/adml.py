@@ -15,7 +15,7 @@ def shown_data(policy, texts):
     else:
         values = policy["choices"]
     shown = [_shown(value, texts) for value in values]
-    return texts["or"].join((", ".join(shown[:-1]), shown[-1]))
+    return texts["or"].join((texts["list"].join(shown[:-1]), shown[-1]))
 
 
 def explanation(data, policy, texts):
@@ -25,7 +25,7 @@ def explanation(data, policy, texts):
                                   data=shown_data(policy, texts))
     others = texts["firstKey" if policy["key"] == "messages" else "subKey"]
     return "\n\n".join((own["explain"], texts["default"].format(default=own["off"]), texts["effect"][policy["effect"]],
-                        f"{place} {others}"))
+                        place + texts["sentence"] + others))
 
 
 def _add_strings(table, data, texts):

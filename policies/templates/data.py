@@ -7,6 +7,8 @@ from pathlib import Path
 FOLDER = Path(__file__).resolve().parents[1]
 SOURCE = FOLDER / "policies.json"
 TEXTS = FOLDER / "texts"
+# The language of the guide and of the sample, for which it alone has texts.
+GUIDE_LANGUAGE = "en-US"
 
 _KINDS = {"switch": {"on", "off"}, "choice": {"choices"}, "number": {"minimum", "maximum"}}
 _COMMON = {"value", "key", "category", "kind", "type", "default", "effect"}
@@ -103,17 +105,19 @@ def read_texts(path, data):
     """The texts of one language, checked to be whole. Raises DataError."""
     texts = read_json(path)
     place = Path(path).stem
-    _check_keys(place, texts, ("displayName", "description", "supported", "categories", "effect", "default", "place",
-                               "firstKey", "subKey", "sample", "range", "quote", "or", "policies", "choices"))
+    is_guide = place == GUIDE_LANGUAGE
+    _check_keys(place, texts, ["displayName", "description", "supported", "categories", "effect", "default", "place",
+                               "firstKey", "subKey", "range", "quote", "or", "list", "sentence", "policies", "choices",
+                               *(["sample"] if is_guide else [])])
     _check_keys(f"{place}/categories", texts["categories"], [data["root"], *data["categories"]])
     _check_keys(f"{place}/effect", texts["effect"], ("event", "start"))
     _check_keys(f"{place}/policies", texts["policies"], [policy["value"] for policy in data["policies"]])
     choices = {choice for policy in data["policies"] for choice in policy.get("choices", ())}
     _check_keys(f"{place}/choices", texts["choices"], choices)
     for policy in data["policies"]:
-        label = set() if policy["kind"] == "switch" else {"label"}
+        keys = {"name", "off", "explain"} | (set() if policy["kind"] == "switch" else {"label"})
         _check_keys(f"{place}/policies/{policy['value']}", texts["policies"][policy["value"]],
-                    {"name", "short", "off", "explain"} | label)
+                    keys | {"short"} if is_guide else keys)
     _require(_fields(texts["place"]) == {"key", "value", "type", "data"}, place, "place names key, value, type, data")
     _require(_fields(texts["default"]) == {"default"}, place, "default names default")
     _require(_fields(texts["range"]) == {"minimum", "maximum"}, place, "range names minimum, maximum")
@@ -127,7 +131,8 @@ def _check_filled(place, texts):
         if isinstance(text, dict):
             _check_filled(f"{place}/{key}", text)
         else:
-            _require(isinstance(text, str) and text.strip(), f"{place}/{key}", "is empty")
+            # Some writings have no blank between sentences.
+            _require(isinstance(text, str) and (text.strip() or key == "sentence"), f"{place}/{key}", "is empty")
 
 
 def languages(folder=TEXTS):

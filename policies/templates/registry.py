@@ -19,7 +19,7 @@ def make_sample(data, texts):
     """A .reg file with every value as it is without policy, to be edited before it is imported."""
     lines = ["Windows Registry Editor Version 5.00", "", f"; {texts['sample']}"]
     for name, key in data["keys"].items():
-        lines += ["", f"[HKEY_LOCAL_MACHINE\\{key}]"]
+        lines += ["", f"; {texts['firstKey' if name == 'messages' else 'subKey']}", f"[HKEY_LOCAL_MACHINE\\{key}]"]
         for policy in data["policies"]:
             if policy["key"] == name:
                 own = texts["policies"][policy["value"]]

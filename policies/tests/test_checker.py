@@ -13,6 +13,8 @@ _POLICY = '<policy name="SuppressAllNotifications" '
 _ENABLED = "<string>true</string>"
 _SIZE = '<decimal id="MaxLogSize" valueName="MaxLogSize" required="true" minValue="1" maxValue="4194303" />'
 _MESSAGES = r'key="SOFTWARE\Policies\Orvik\Orvik Notifications" valueName="SuppressAllNotifications"'
+_SUPPORT = ('<definition name="SUPPORTED_OrvikNotifications" '
+            'displayName="$(string.SUPPORTED_OrvikNotifications)" />')
 _CATEGORY = '<category name="AuditLog" displayName="$(string.Category_AuditLog)">'
 _NAMESPACES = 'namespace="Orvik.Policies.OrvikNotifications" />'
 _LABEL = '<string id="SuppressAllNotifications">'
@@ -60,6 +62,9 @@ _REFERENCES = {
         (_POLICY, '<policy name="SuppressAllLoggings" ', "SuppressAllLoggings stands twice"),
         (_POLICY, '<policy name="SUPPRESSALLLOGGINGS" ', "stands twice"),
         (_CATEGORY, _CATEGORY.replace('"AuditLog"', '"Messages"'), "Messages stands twice"),
+        (_NAMESPACES, _NAMESPACES + '<using prefix="orviknotifications" namespace="Orvik.Policies.Other" />',
+         "the prefix orviknotifications stands twice"),
+        (_SUPPORT, _SUPPORT + _SUPPORT, "SUPPORTED_OrvikNotifications stands twice"),
         ('<parentCategory ref="Messages" />', '<parentCategory ref="Message" />', "there is no category Message"),
         ('<parentCategory ref="Messages" />', "", "parentCategory is missing"),
         ('<parentCategory ref="Messages" />', '<parentCategory ref="other:Messages" />', "no category other:Messages"),
