@@ -1,8 +1,8 @@
 #include "shared/LogDataList.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 namespace Orvik::Shared
 {
@@ -11,23 +11,24 @@ namespace
 // A page, less what the heap and the list keep of their own beside it.
 constexpr std::size_t g_blockSize = 4000;
 
-// Begins a packed record; the wide texts follow, then the function name, and padding that keeps the next one aligned.
+// Begins a packed record; the texts follow without terminators, and then the next record, wherever that is: nothing in
+// a block is aligned.
 struct PackedRecord
 {
     SYSTEMTIME m_time;
     int m_nLevel;
     DWORD m_dwThreadId;
-    std::uint32_t m_nMessage; // lengths in characters
-    std::uint32_t m_nLevelName;
-    std::uint32_t m_nLine;
-    std::uint32_t m_nFunctionName;
+    std::size_t m_nMessage; // lengths in characters
+    std::size_t m_nLevelName;
+    std::size_t m_nLine;
+    std::size_t m_nFunctionName;
 };
+static_assert(std::is_trivially_copyable_v<PackedRecord>);
 
 std::size_t SizeOf(const PackedRecord& record) noexcept
 {
-    const std::size_t wide = std::size_t{record.m_nMessage} + record.m_nLevelName + record.m_nLine;
-    const std::size_t size = sizeof(record) + wide * sizeof(wchar_t) + record.m_nFunctionName;
-    return (size + alignof(PackedRecord) - 1) / alignof(PackedRecord) * alignof(PackedRecord);
+    const std::size_t wide = record.m_nMessage + record.m_nLevelName + record.m_nLine;
+    return sizeof(record) + wide * sizeof(wchar_t) + record.m_nFunctionName;
 }
 
 PackedRecord ReadHeader(const std::byte* place) noexcept
@@ -57,14 +58,13 @@ void Get(const std::byte*& place, std::size_t length, Text& text)
 
 void CLogDataList::PushBack(const COrvikLogListener::LogData& data)
 {
-    const auto length = [](const auto& text) { return static_cast<std::uint32_t>(text.size()); };
     const PackedRecord record{data.m_time,
                               data.m_nLevel,
                               data.m_dwThreadId,
-                              length(data.m_strMessage),
-                              length(data.m_strLevelName),
-                              length(data.m_strLine),
-                              length(data.m_strFunctionName)};
+                              data.m_strMessage.size(),
+                              data.m_strLevelName.size(),
+                              data.m_strLine.size(),
+                              data.m_strFunctionName.size()};
     std::byte* place = Reserve(SizeOf(record));
     std::memcpy(place, &record, sizeof(record));
     place += sizeof(record);

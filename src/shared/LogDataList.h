@@ -8,8 +8,8 @@
 
 namespace Orvik::Shared
 {
-// Copies of records, oldest first. They lie one behind the other in blocks of memory, so that a copy of a usual record
-// takes no allocation of its own: a dozen share one. Belongs to one thread at a time.
+// Copies of records, oldest first. They lie one behind the other in blocks of memory: of a backlog of usual records a
+// dozen share an allocation. Belongs to one thread at a time.
 class CLogDataList
 {
 public:

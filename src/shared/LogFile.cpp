@@ -4,8 +4,6 @@
 #include "shared/LogFileRotation.h"
 #include "shared/LoggingPolicy.h"
 
-#include <io.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
@@ -19,8 +17,6 @@ constexpr DWORD g_dwSizeUnit = 1024;
 // The size is looked at when the counter has passed so many per unit; halved then, it takes half as many to the next
 // look.
 constexpr DWORD g_dwRecordsPerUnit = 10;
-// A byte-order mark and nothing else is an empty file.
-constexpr __int64 g_markSize = 3;
 
 struct Mark
 {
@@ -30,11 +26,6 @@ struct Mark
 // "2024/03/05 14:07:09.042|"
 constexpr Mark g_marks[] = {{4, L'/'}, {7, L'/'}, {10, L' '}, {13, L':'}, {16, L':'}, {19, L'.'}, {23, L'|'}};
 constexpr std::size_t g_startLength = 24;
-
-bool IsEmptyLength(__int64 length) noexcept
-{
-    return length == 0 || length == g_markSize;
-}
 
 bool Wait(HANDLE mutex) noexcept
 {
@@ -88,8 +79,8 @@ void CLogFile::MoveForeignFileAside()
 {
     wchar_t start[g_startLength + 1]{};
     std::FILE* const stream = m_pStream.get();
-    const bool isEmpty = std::fgetws(start, static_cast<int>(std::size(start)), stream) == nullptr &&
-                         (std::feof(stream) != 0 || IsEmptyLength(_filelengthi64(_fileno(stream))));
+    const bool isEmpty =
+        std::fgetws(start, static_cast<int>(std::size(start)), stream) == nullptr && std::feof(stream) != 0;
     // What is written behind a read is lost otherwise.
     static_cast<void>(std::fseek(stream, 0, SEEK_END));
     const bool isLog = std::ranges::all_of(g_marks, [&start](const Mark& mark)

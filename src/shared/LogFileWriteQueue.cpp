@@ -3,6 +3,7 @@
 #include <process.h>
 
 #include <exception>
+#include <new>
 
 namespace Orvik::Shared
 {
@@ -27,11 +28,12 @@ void CLogFileWriteQueue::Append(const COrvikLogListener::LogData& data)
         StartWriter();
 }
 
-void CLogFileWriteQueue::StartWriter()
+void CLogFileWriteQueue::StartWriter() noexcept
 {
     m_hWriter.reset();
-    auto queue = std::make_unique<QueueOfThread>(shared_from_this());
-    m_hWriter.reset(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, &ThreadRoutine, queue.get(), 0, nullptr)));
+    std::unique_ptr<QueueOfThread> queue(new (std::nothrow) QueueOfThread(shared_from_this()));
+    if (queue)
+        m_hWriter.reset(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, &ThreadRoutine, queue.get(), 0, nullptr)));
     m_bRunning = m_hWriter != nullptr;
     if (m_bRunning)
         static_cast<void>(queue.release());

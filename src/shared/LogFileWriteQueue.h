@@ -25,7 +25,7 @@ public:
 
 private:
     static unsigned __stdcall ThreadRoutine(void* queue) noexcept;
-    void StartWriter();
+    void StartWriter() noexcept;
     void WriteBatch() noexcept;
     void WriteOldest(const CLogDataList& records) noexcept;
     [[nodiscard]] bool TakeAll(CLogDataList& records) noexcept;

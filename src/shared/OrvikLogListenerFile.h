@@ -24,7 +24,8 @@ public:
     [[nodiscard]] unsigned GetType() const override;
 
     // Before the end of the process: gives records that are queued about a second to come into the file, and loses the
-    // others, so that nobody's shutdown waits for a disk.
+    // others, so that a shutdown does not wait for a slow disk. (The C runtime's own end may wait for a write that
+    // hangs.)
     void Finish() noexcept;
 
 private:

@@ -20,10 +20,10 @@ void LinesByWriter::Add(std::string_view message)
     const std::wstring expected = TextOf(writer, number);
     if (text != std::string(expected.begin(), expected.end()))
         throw std::runtime_error("a broken message: " + text);
-    const auto [last, isFirst] = m_mapLast.try_emplace(writer, number);
-    const bool isNext = isFirst ? number == 1 || m_beginning == Beginning::MayBeGone : number == last->second + 1;
-    if (!isNext)
-        throw std::runtime_error("out of order behind " + std::to_string(isFirst ? 0 : last->second) + ": " + text);
+    const auto [last, isFirst] = m_mapLast.try_emplace(writer, 0);
+    const bool isNext = number == last->second + 1 || (isFirst && m_mayMiss == MayMiss::Beginning);
+    if (!isNext && (m_mayMiss != MayMiss::Any || number <= last->second))
+        throw std::runtime_error("out of order behind " + std::to_string(last->second) + ": " + text);
     last->second = number;
 }
 

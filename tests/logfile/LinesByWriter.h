@@ -7,18 +7,19 @@
 // The text of a writer's record number 1, 2, 3...
 [[nodiscard]] std::wstring TextOf(unsigned writer, unsigned number);
 
-// Takes the messages of log files in order and sees that none of a writer's is missing, doubled or out of order. The
-// first of each writer may have any number where the beginning of the log is gone.
+// Takes the messages of log files in order and sees that none of a writer's is missing, doubled or out of order; where
+// some may miss, that the others are in order.
 class LinesByWriter
 {
 public:
-    enum class Beginning
+    enum class MayMiss
     {
-        IsThere,
-        MayBeGone
+        Nothing,
+        Beginning,
+        Any
     };
 
-    explicit LinesByWriter(Beginning beginning = Beginning::IsThere) noexcept : m_beginning(beginning) {}
+    explicit LinesByWriter(MayMiss mayMiss = MayMiss::Nothing) noexcept : m_mayMiss(mayMiss) {}
 
     // Raises std::runtime_error, which shows the message, for one that may not stand here.
     void Add(std::string_view message);
@@ -26,6 +27,6 @@ public:
     [[nodiscard]] unsigned LastOf(unsigned writer) const;
 
 private:
-    Beginning m_beginning;
+    MayMiss m_mayMiss;
     std::map<unsigned, unsigned> m_mapLast;
 };

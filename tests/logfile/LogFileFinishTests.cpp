@@ -1,7 +1,11 @@
 #include "tests/logfile/HeldDisk.h"
+#include "tests/logfile/LinesByWriter.h"
 #include "tests/logfile/LogFileTest.h"
 #include "tests/logfile/WriterThreads.h"
 #include "tests/support/AllocationFault.h"
+
+#include <thread>
+#include <vector>
 
 namespace
 {
@@ -9,15 +13,38 @@ using namespace Orvik::Shared;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// What an end may take in milliseconds: twice 100 and 500, and what a busy machine adds.
-constexpr ULONGLONG g_longest = 3000;
+// How this thread waited, in milliseconds.
+struct Waits
+{
+    std::vector<DWORD> m_lstPauses;
+    std::vector<DWORD> m_lstWaits;
+    bool m_bFailed = false; // a wait for what is no handle any more
+};
 
 template <class Action>
-ULONGLONG MillisecondsOf(Action action)
+Waits WaitsOf(Action action)
 {
-    const ULONGLONG start = GetTickCount64();
+    Waits seen;
+    const DWORD thread = GetCurrentThreadId();
+    const auto pause = Replace<decltype(Sleep)>("Sleep",
+                                                [&seen, thread](auto original, DWORD time)
+                                                {
+                                                    if (GetCurrentThreadId() == thread)
+                                                        seen.m_lstPauses.push_back(time);
+                                                    original(time);
+                                                });
+    const auto wait = Replace<decltype(WaitForSingleObject)>("WaitForSingleObject",
+                                                             [&seen, thread](auto original, HANDLE object, DWORD time)
+                                                             {
+                                                                 if (GetCurrentThreadId() != thread)
+                                                                     return original(object, time);
+                                                                 const DWORD result = original(object, time);
+                                                                 seen.m_lstWaits.push_back(time);
+                                                                 seen.m_bFailed |= result == WAIT_FAILED;
+                                                                 return result;
+                                                             });
     action();
-    return GetTickCount64() - start;
+    return seen;
 }
 
 class LogFileFinish : public LogFileTest
@@ -76,17 +103,17 @@ TEST_F(LogFileFinish, NothingQueued_TakesNoTime)
 {
     auto direct = Listener(false);
     auto queued = Listener(true);
-    const ULONGLONG time = MillisecondsOf(
-        [&]
-        {
-            direct.Finish();
-            queued.Finish();
-            WriteNumbered(queued, 1, 1);
-            EXPECT_TRUE(m_threads.WaitForAll());
-            queued.Finish();
-            queued.Finish();
-        });
-    EXPECT_LT(time, 600u);
+    const auto finish = [&]
+    {
+        direct.Finish();
+        queued.Finish();
+    };
+    EXPECT_THAT(WaitsOf(finish).m_lstWaits, IsEmpty());
+    WriteNumbered(queued, 1, 1);
+    ASSERT_TRUE(m_threads.WaitForAll());
+    const Waits waits = WaitsOf(finish);
+    EXPECT_THAT(waits.m_lstPauses, IsEmpty());
+    EXPECT_THAT(waits.m_lstWaits, ElementsAre(500)) << "the thread has ended: no time passes";
 }
 
 TEST_F(LogFileFinish, DiskThatStandsStill_IsWaitedForAboutASecond)
@@ -97,9 +124,10 @@ TEST_F(LogFileFinish, DiskThatStandsStill_IsWaitedForAboutASecond)
         WriteNumbered(listener, 1, 1);
         ASSERT_TRUE(HeldDisk::WaitForAWriter());
         WriteNumbered(listener, 2, 100);
-        const ULONGLONG time = MillisecondsOf([&] { listener.Finish(); });
-        EXPECT_GE(time, 1150u) << "it did not wait for both rounds";
-        EXPECT_LT(time, g_longest);
+        const Waits waits = WaitsOf([&] { listener.Finish(); });
+        EXPECT_THAT(waits.m_lstPauses, ElementsAre(100, 100));
+        EXPECT_THAT(waits.m_lstWaits, ElementsAre(500, 500));
+        EXPECT_THAT(WaitsOf([&] { listener.Finish(); }).m_lstWaits, IsEmpty()) << "a second end waits for nobody";
     }
     ASSERT_TRUE(m_threads.WaitForAll());
     EXPECT_EQ(Messages(), Numbered("message", 1)) << "the others were discarded, this one was under way";
@@ -132,7 +160,9 @@ TEST_F(LogFileFinish, LastRecordUnderWay_IsWaitedForAboutASecond)
         const HeldDisk disk;
         WriteNumbered(listener, 1, 1);
         ASSERT_TRUE(HeldDisk::WaitForAWriter());
-        EXPECT_LT(MillisecondsOf([&] { listener.Finish(); }), g_longest);
+        const Waits waits = WaitsOf([&] { listener.Finish(); });
+        EXPECT_THAT(waits.m_lstPauses, IsEmpty()) << "nothing is queued";
+        EXPECT_THAT(waits.m_lstWaits, ElementsAre(500, 500));
     }
     ASSERT_TRUE(m_threads.WaitForAll());
     EXPECT_EQ(Messages(), Numbered("message", 1));
@@ -149,9 +179,9 @@ TEST_F(LogFileFinish, FileThatTakesLongToOpen_IsWaitedForAboutASecond)
                                                        return original(arguments...);
                                                    });
     WriteNumbered(listener, 1, 5);
-    const ULONGLONG time = MillisecondsOf([&] { listener.Finish(); });
-    EXPECT_GE(time, 1150u);
-    EXPECT_LT(time, g_longest);
+    const Waits waits = WaitsOf([&] { listener.Finish(); });
+    EXPECT_THAT(waits.m_lstPauses, ElementsAre(100, 100));
+    EXPECT_THAT(waits.m_lstWaits, ElementsAre(500, 500));
     SetEvent(released.get());
     ASSERT_TRUE(m_threads.WaitForAll());
     EXPECT_THAT(Messages(), IsEmpty()) << "all were discarded";
@@ -166,7 +196,9 @@ TEST_F(LogFileFinish, FileHeldByAnotherThread_IsWaitedForAboutASecond)
         ASSERT_TRUE(other.OpenAndLock());
         const LogFileClosing closing(other);
         WriteNumbered(listener, 1, 5);
-        EXPECT_LT(MillisecondsOf([&] { listener.Finish(); }), g_longest);
+        const Waits waits = WaitsOf([&] { listener.Finish(); });
+        EXPECT_THAT(waits.m_lstPauses, ElementsAre(100, 100));
+        EXPECT_THAT(waits.m_lstWaits, ElementsAre(500, 500));
     }
     ASSERT_TRUE(m_threads.WaitForAll());
     EXPECT_TRUE(OtherThreadCanWrite());
@@ -179,7 +211,7 @@ TEST_F(LogFileFinish, RecordsThatCannotBeWritten_AreDiscardedAtOnce)
         const auto call = FailCall<decltype(_wfopen_s)>("_wfopen_s", 0, EACCES, ERROR_ACCESS_DENIED);
         WriteNumbered(listener, 1, 1);
         ASSERT_TRUE(m_threads.WaitForAll());
-        EXPECT_LT(MillisecondsOf([&] { listener.Finish(); }), 600u);
+        EXPECT_THAT(WaitsOf([&] { listener.Finish(); }).m_lstWaits, ElementsAre(500)) << "for a thread that has ended";
     }
     listener.Write(MakeRecord(L"after"));
     listener.Finish();
@@ -194,6 +226,35 @@ TEST_F(LogFileFinish, RecordBehindIt_IsWritten)
     WriteNumbered(listener, 2, 2);
     listener.Finish();
     EXPECT_EQ(Messages(), Numbered("message", 2));
+}
+
+TEST_F(LogFileFinish, RecordsMeanwhile_ComeInOrderOrNotAtAll)
+{
+    static constexpr unsigned writers = 4;
+    auto listener = Listener(true);
+    const Waits waits = WaitsOf(
+        [&]
+        {
+            std::vector<std::jthread> threads;
+            for (unsigned writer = 0; writer < writers; ++writer)
+                threads.emplace_back(
+                    [&listener, writer]
+                    {
+                        for (unsigned number = 1; number <= 2000; ++number)
+                            listener.Write(MakeRecord(TextOf(writer, number)));
+                    });
+            for (int i = 0; i < 50; ++i)
+                listener.Finish();
+        });
+    EXPECT_FALSE(waits.m_bFailed) << "a thread's handle was closed by the start of the next one";
+    for (unsigned writer = 0; writer < writers; ++writer)
+        listener.Write(MakeRecord(TextOf(writer, 2001)));
+    ASSERT_TRUE(m_threads.WaitForAll());
+    LinesByWriter lines(LinesByWriter::MayMiss::Any);
+    for (const std::string& message : Messages())
+        lines.Add(message);
+    for (unsigned writer = 0; writer < writers; ++writer)
+        EXPECT_EQ(lines.LastOf(writer), 2001u) << writer;
 }
 
 TEST_F(LogFileFinish, ListenerGoneWhileItsThreadWrites_ThreadEndsCleanlyAndFreesAll)

@@ -12,11 +12,11 @@ constexpr unsigned g_records = 1500;
 class LogFileProcess : public LogFileTest
 {
 protected:
-    [[nodiscard]] UniqueHandle Start(const wchar_t* kind, unsigned writer) const
+    [[nodiscard]] UniqueHandle Start(const wchar_t* kind, unsigned writer, unsigned records = g_records) const
     {
         const std::wstring program = PathBesideProgram(L"log_writer.exe");
         std::wstring command = L"\"" + program + L"\" \"" + m_folder.ApplicationData() + L"\" " + kind + L" " +
-                               m_strStart + L" " + std::to_wstring(writer) + L" " + std::to_wstring(g_records);
+                               m_strStart + L" " + std::to_wstring(writer) + L" " + std::to_wstring(records);
         STARTUPINFOW startup{};
         startup.cb = sizeof(startup);
         PROCESS_INFORMATION started{};
@@ -70,6 +70,16 @@ TEST_F(LogFileProcess, TwoQueued_NoLineIsLostOrInterleaved)
 TEST_F(LogFileProcess, DirectAndQueued_NoLineIsLostOrInterleaved)
 {
     ExpectBothWhole(L"direct", L"queued");
+}
+
+TEST_F(LogFileProcess, EndOfTheProcess_BringsWhatIsQueuedIntoTheFile)
+{
+    constexpr unsigned records = 100;
+    ExpectSuccess(Start(L"logger", 1, records));
+    LinesByWriter lines;
+    for (const std::string& message : MessagesIn(BytesIn(m_strPath)))
+        lines.Add(message);
+    EXPECT_EQ(lines.LastOf(1), records);
 }
 
 TEST_F(LogFileProcess, ProcessThatDiesWithTheFile_LeavesItToTheOthers)

@@ -48,10 +48,9 @@ TEST_F(LogFileQueue, OneRecord_IsWrittenByAThreadThatEnds)
 
 TEST_F(LogFileQueue, Records_KeepTheirOrder)
 {
-    {
-        auto listener = Listener(true);
-        WriteNumbered(listener, 1, 2000);
-    }
+    auto listener = Listener(true);
+    WriteNumbered(listener, 1, 2000);
+    ASSERT_TRUE(m_threads.WaitForAll());
     EXPECT_EQ(Messages(), Numbered("message", 2000));
 }
 
@@ -218,9 +217,8 @@ TEST_F(LogFileQueue, NoMemoryForACopy_LosesNoOtherRecord)
             kept.push_back("a message that is longer than a text holds in itself " + std::to_string(number));
     }
     EXPECT_GE(number, 3u);
-    const Strings messages = Messages();
-    EXPECT_THAT(messages, testing::IsSupersetOf(kept));
-    EXPECT_TRUE(std::ranges::is_sorted(messages) && std::ranges::adjacent_find(messages) == messages.end());
+    EXPECT_LT(kept.size(), number) << "a record without memory for its copy is lost";
+    EXPECT_EQ(Messages(), kept);
 }
 
 TEST_F(LogFileQueue, NoMemoryOnTheWritingThread_LosesThatRecordAlone)
@@ -272,13 +270,14 @@ TEST_F(LogFileQueue, FullDisk_LosesThoseRecordsAlone)
 TEST_F(LogFileQueue, Rotation_HappensWithinABatch)
 {
     m_product.Number(L"MaxLogSize", 1);
+    auto listener = Listener(true);
     {
-        auto listener = Listener(true);
         const HeldDisk disk;
         WriteNumbered(listener, 1, 1);
         ASSERT_TRUE(HeldDisk::WaitForAWriter());
         WriteNumbered(listener, 2, 60);
     }
+    ASSERT_TRUE(m_threads.WaitForAll());
     Strings messages;
     for (unsigned number = 9; number >= 1; --number)
     {
@@ -287,6 +286,6 @@ TEST_F(LogFileQueue, Rotation_HappensWithinABatch)
     }
     EXPECT_TRUE(Exists(m_folder.Older(1)));
     std::ranges::copy(Messages(), std::back_inserter(messages));
-    EXPECT_EQ(messages.back(), "message 60");
+    EXPECT_EQ(messages, Numbered("message", 60));
 }
 } // namespace

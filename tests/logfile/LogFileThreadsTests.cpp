@@ -1,5 +1,6 @@
 #include "tests/logfile/LinesByWriter.h"
 #include "tests/logfile/LogFileTest.h"
+#include "tests/logfile/WriterThreads.h"
 
 #include <array>
 #include <functional>
@@ -40,8 +41,10 @@ protected:
 
     static void WriteWithOneListener(bool queued)
     {
+        const WriterThreads threads;
         auto listener = Listener(queued);
         WriteOnAll([&](unsigned, const auto& run) { run([&](const LogRecord& record) { listener.Write(record); }); });
+        EXPECT_TRUE(WriterThreads::WaitForAll());
     }
 
     static void WriteWithListenersOfTheirOwn(const std::function<bool(unsigned)>& isQueued)

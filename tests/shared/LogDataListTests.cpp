@@ -81,16 +81,30 @@ TEST(LogDataList, EmptyTexts_ComeBackEmpty)
     EXPECT_EQ(list.Front().Message(), L"");
 }
 
+TEST(LogDataList, RecordsBehindSomeThatWereRead_StandBehindTheOthers)
+{
+    CLogDataList list;
+    PushNumbered(list, 1, 10);
+    for (int i = 0; i < 5; ++i)
+        list.PopFront();
+    PushNumbered(list, 11, 300);
+    ExpectNumbered(list, 6, 300);
+}
+
 TEST(LogDataList, RecordOfAnySize_FindsRoom)
 {
-    const std::string name(20'001, 'N');
+    const std::string name(70'001, 'N');
+    const std::wstring message(70'002, L'm');
+    const LogData data(5, name.c_str(), message.c_str());
+    const std::wstring line = data.GetLine();
     CLogDataList list;
     PushNumbered(list, 1, 1);
-    list.PushBack(LogData(5, name.c_str(), L"text"));
+    list.PushBack(data);
     PushNumbered(list, 2, 2);
     list.PopFront();
     EXPECT_EQ(list.Front().FunctionName(), name);
-    EXPECT_EQ(list.Front().Message(), L"text");
+    EXPECT_EQ(list.Front().Message(), message);
+    EXPECT_EQ(list.Front().GetLine(), line);
     list.PopFront();
     ExpectNumbered(list, 2, 2);
 }

@@ -103,7 +103,7 @@ TEST_F(LogFileSoak, ManyRotations_KeepTenWholeFilesAtMost)
     EXPECT_LE(most, 11u) << "one file may be counted under two names while it moves";
     EXPECT_EQ(m_folder.Names().size(), 10u);
 
-    LinesByWriter lines(LinesByWriter::Beginning::MayBeGone);
+    LinesByWriter lines(LinesByWriter::MayMiss::Beginning);
     for (unsigned number = 9; number >= 1; --number)
         AddLines(lines, m_folder.Older(number), std::string(filling.begin(), filling.end()));
     AddLines(lines, m_folder.LogPath(), std::string(filling.begin(), filling.end()));
