@@ -1,4 +1,5 @@
 """The subscription for event collectors and the view for Event Viewer: read, and refused with a reason."""
+import re
 import xml.etree.ElementTree as ElementTree
 
 from event_xpath import QueryFault, parse
@@ -8,11 +9,15 @@ NAMESPACE = "http://schemas.microsoft.com/2006/03/windows/events/subscription"
 _SUBSCRIPTION = {"SubscriptionId": True, "SubscriptionType": True, "Description": False, "Enabled": False, "Uri": True,
                  "ConfigurationMode": False, "Delivery": False, "Expires": False, "Query": True, "ReadExistingEvents": False,
                  "TransportName": False, "ContentFormat": False, "Locale": False, "LogFile": False,
-                 "AllowedSourceNonDomainComputers": False, "AllowedSourceDomainComputers": False}
+                 "AllowedSourceNonDomainComputers": False, "AllowedSourceDomainComputers": True}
 _WORDS = {"SubscriptionType": ("SourceInitiated",), "Enabled": ("true", "false"),
           "Uri": ("http://schemas.microsoft.com/wbem/wsman/1/windows/EventLog",),
           "ConfigurationMode": ("Normal", "Custom", "MinLatency", "MinBandwidth"), "ReadExistingEvents": ("true", "false"),
           "TransportName": ("http", "https"), "ContentFormat": ("Events", "RenderedText"), "LogFile": ("ForwardedEvents",)}
+# Groups of a domain or of a computer that Windows knows by two letters; any other is named by its SID.
+_GROUPS = ("AN", "AU", "BA", "BU", "CA", "DA", "DC", "DD", "DG", "DU", "EA", "ED", "IU", "LS", "NS", "NU", "RO", "SU", "SY", "WD")
+_TRUSTEE = rf"(?:{'|'.join(_GROUPS)}|S-1(?:-\d+){{2,}})"
+_ENTRY = rf"\([AD];;GA;;;{_TRUSTEE}\)"
 
 
 def _parsed(text):
@@ -61,6 +66,13 @@ def _check_delivery(delivery):
         raise QueryFault("delivery has a number that is none")
 
 
+def _check_computers(descriptor):
+    if not re.fullmatch(rf"O:{_TRUSTEE}G:{_TRUSTEE}D:(?:{_ENTRY})+", descriptor or ""):
+        raise QueryFault("AllowedSourceDomainComputers needs owner, group and whole entries, (A;;GA;;;WHO)")
+    if "(A;" not in descriptor:
+        raise QueryFault("AllowedSourceDomainComputers lets nobody in")
+
+
 def subscription(text):
     """Selections of a subscription; raises QueryFault for what a collector would refuse."""
     root = _parsed(text)
@@ -81,6 +93,8 @@ def subscription(text):
             raise QueryFault(f"{name} is one of {', '.join(_WORDS[name])}")
         if name == "Delivery":
             _check_delivery(child)
+        if name == "AllowedSourceDomainComputers":
+            _check_computers(child.text)
     return selections(_parsed(root.find(f"{{{NAMESPACE}}}Query").text.strip()))
 
 

@@ -32,8 +32,10 @@ def event(source, identifier=4, level=3):
 
 
 class Files(unittest.TestCase):
-    def test_view_and_subscription_select_the_same(self):
-        self.assertEqual(event_queries.view(VIEW), event_queries.subscription(SUBSCRIPTION))
+    def test_view_shows_what_is_forwarded_on_the_computer_and_on_the_collector(self):
+        (_, query), = event_queries.subscription(SUBSCRIPTION)
+        arrives = re.search("<LogFile>(.+)</LogFile>", SUBSCRIPTION)[1]
+        self.assertEqual(event_queries.view(VIEW), [("Application", query), (arrives, query)])
 
     def test_records_of_the_agent_are_selected_whatever_their_number_and_level(self):
         (channel, query), = event_queries.subscription(SUBSCRIPTION)
@@ -50,10 +52,12 @@ class Files(unittest.TestCase):
 
     def test_copies_of_the_query_in_documents_are_the_same(self):
         (_, query), = event_queries.subscription(SUBSCRIPTION)
-        guide = (ROOT / "docs/administrators.md").read_text(encoding="utf-8")
-        copies = re.findall(r"\*\[System\[Provider.*?\]\]\]", guide)
-        self.assertTrue(copies)
-        self.assertEqual(set(copies), {query})
+        found = {}
+        for path in sorted((ROOT / "docs").glob("*.md")):
+            copies = re.findall(r"\*\[System\[Provider.*?\]\]\]", path.read_text(encoding="utf-8"))
+            if copies:
+                found[path.name] = set(copies)
+        self.assertEqual(found, {"administrators.md": {query}, "support.md": {query}})
 
 
 class BrokenSubscription(unittest.TestCase):
@@ -91,6 +95,19 @@ class BrokenSubscription(unittest.TestCase):
         self.refuse(">30000<", ">30 s<", "number")
         self.refuse(">20<", ">0<", "number")
         self.refuse('Interval="3600000"', 'Every="3600000"', "number")
+
+    def test_computers_that_may_send(self):
+        element = re.search("<AllowedSourceDomainComputers>.*</AllowedSourceDomainComputers>", SUBSCRIPTION)[0]
+        self.refuse(element, "", "AllowedSourceDomainComputers is missing")
+        self.refuse(element, "<AllowedSourceDomainComputers></AllowedSourceDomainComputers>", "whole entries")
+        for change, by in (("(A;;GA;;;DC)(", "(A;;GA;;;DC)"), ("O:NSG:NSD:", "D:"), (";;;DC)", ";;;Domain Computers)"),
+                           (";;;DC)", ";;;XX)"), ("(A;;GA;;;DC)", "(A;;;;;DC)"), ("(A;;GA;;;DC)(A;;GA;;;NS)", "")):
+            self.refuse(change, by, "whole entries")
+        self.refuse("(A;;GA;;;DC)(A;", "(D;;GA;;;DC)(D;", "nobody")
+
+    def test_group_may_be_named_by_its_sid(self):
+        group = SUBSCRIPTION.replace(";;;DC)", ";;;S-1-5-21-397955417-626881126-188441444-1103)")
+        self.assertEqual(event_queries.subscription(group), event_queries.subscription(SUBSCRIPTION))
 
     def test_query_without_channel(self):
         self.refuse(' Path="Application"', "", "channel")
