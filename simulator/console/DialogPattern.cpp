@@ -102,13 +102,13 @@ bool DialogPattern::Fits(const nlohmann::json& dialog) const
     const nlohmann::json checkBox = dialog.value("check-box", nlohmann::json());
     const bool hasBox = checkBox.is_object();
     return (message.is_string() ? message.get<std::string>() : "").find(m_strContains) != std::string::npos &&
-           std::all_of(m_mapExact.begin(), m_mapExact.end(), [&](const auto& expected)
-                       { return dialog.value(expected.first, nlohmann::json()) == expected.second; }) &&
+           std::ranges::all_of(m_mapExact, [&](const auto& expected)
+                               { return dialog.value(expected.first, nlohmann::json()) == expected.second; }) &&
            (!m_link || dialog.value("link", nlohmann::json()) == *m_link) &&
            (!m_checkBox || (hasBox ? checkBox.value("text", nlohmann::json()) : nlohmann::json()) == *m_checkBox) &&
            (!m_bChecked || (hasBox && checkBox.value("checked", false) == *m_bChecked)) &&
-           std::all_of(m_mapControls.begin(), m_mapControls.end(),
-                       [&](const auto& expected) { return TextOfControl(dialog, expected.first) == expected.second; });
+           std::ranges::all_of(m_mapControls, [&](const auto& expected)
+                               { return TextOfControl(dialog, expected.first) == expected.second; });
 }
 
 std::string DialogPattern::Description() const

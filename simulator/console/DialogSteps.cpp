@@ -14,7 +14,7 @@ constexpr const char* g_answers[] = {"ok", "close", "esc", "check", "link"};
 
 void CheckAnswer(const std::string& with, const std::string& place)
 {
-    if (std::find(std::begin(g_answers), std::end(g_answers), with) == std::end(g_answers))
+    if (std::ranges::find(g_answers, with) == std::end(g_answers))
         throw UsageError(place + ": a dialog is answered with ok, close, esc, check or link");
 }
 

@@ -33,7 +33,7 @@ HandleTable<OpenLog>& Logs()
 
 std::string DescribeFlags(DWORD flags)
 {
-    std::string text = (flags & EVENTLOG_SEEK_READ) != 0 ? "seek" : "sequential";
+    const std::string text = (flags & EVENTLOG_SEEK_READ) != 0 ? "seek" : "sequential";
     return text + ((flags & EVENTLOG_BACKWARDS_READ) != 0 ? " backwards" : " forwards");
 }
 

@@ -34,7 +34,7 @@ EventLogRead EventLogReader::Read(DWORD flags, DWORD recordNumber, void* buffer,
         const std::optional<std::vector<BYTE>> record = NextRecord(backwards);
         if (!record)
             continue;
-        const DWORD recordSize = static_cast<DWORD>(record->size());
+        const auto recordSize = static_cast<DWORD>(record->size());
         if (recordSize > size - result.m_dwBytesRead)
         {
             if (result.m_nRecords == 0)
@@ -54,32 +54,33 @@ bool EventLogReader::GoToBegin(DWORD flags, DWORD recordNumber)
 {
     const bool backwards = (flags & EVENTLOG_BACKWARDS_READ) != 0;
     const bool seeks = (flags & EVENTLOG_SEEK_READ) != 0;
-    if (seeks || !m_position || (!backwards && IsAtEnd(backwards)))
+    if (seeks || !m_bBegun || (!backwards && IsAtEnd(backwards)))
         m_lines.Update();
     if (seeks)
     {
         if (recordNumber == 0 || recordNumber > m_lines.Count())
             return false;
-        m_position = backwards ? recordNumber : recordNumber - 1;
+        m_nPosition = backwards ? recordNumber : recordNumber - 1;
     }
-    else if (!m_position)
-        m_position = backwards ? m_lines.Count() : 0;
+    else if (!m_bBegun)
+        m_nPosition = backwards ? m_lines.Count() : 0;
+    m_bBegun = true;
     return true;
 }
 
 bool EventLogReader::IsAtEnd(bool backwards) const
 {
-    return *m_position == (backwards ? 0 : m_lines.Count());
+    return m_nPosition == (backwards ? 0 : m_lines.Count());
 }
 
 void EventLogReader::Step(bool backwards)
 {
-    m_position = backwards ? *m_position - 1 : *m_position + 1;
+    m_nPosition = backwards ? m_nPosition - 1 : m_nPosition + 1;
 }
 
 std::optional<std::vector<BYTE>> EventLogReader::NextRecord(bool backwards) const
 {
-    const std::size_t index = backwards ? *m_position - 1 : *m_position;
+    const std::size_t index = backwards ? m_nPosition - 1 : m_nPosition;
     const std::optional<EventLogRecord> record = m_lines.At(index);
     if (!record)
         return std::nullopt;

@@ -34,6 +34,7 @@ private:
     [[nodiscard]] std::optional<std::vector<BYTE>> NextRecord(bool backwards) const;
 
     EventLogLines m_lines;
-    std::optional<std::size_t> m_position; // lines before it; none before the first read
+    bool m_bBegun = false;       // by the first read
+    std::size_t m_nPosition = 0; // lines before it
 };
 } // namespace Simulator

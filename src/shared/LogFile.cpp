@@ -101,8 +101,9 @@ void CLogFile::WriteRecord(const COrvikLogListener::LogData& data)
     if (!m_pStream)
         return;
     const std::wstring& line = data.GetLine();
-    std::fwrite(line.data(), sizeof(wchar_t), line.size(), m_pStream.get());
-    std::fputwc(L'\n', m_pStream.get());
+    // A full disk loses the record; nobody is told.
+    static_cast<void>(std::fwrite(line.data(), sizeof(wchar_t), line.size(), m_pStream.get()));
+    static_cast<void>(std::fputwc(L'\n', m_pStream.get()));
 }
 
 // With the stream open. Always false.
