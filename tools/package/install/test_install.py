@@ -64,6 +64,13 @@ class Installing(Installation):
         self.assertTrue(agent.runs, "the agent is left alone")
         self.assert_state(VERSION, templates=True, users=PER_USER)
 
+    def test_feature_that_is_removed_leaves_the_agent_running(self):
+        self.assertEqual(self.install(VERSION, "ADDLOCAL=ALL"), 0)
+        agent = self.start_agent()
+        self.assertEqual(self.install(VERSION, "REMOVE=Autostart"), 0)
+        self.assertTrue(agent.runs, "the agent is left alone")
+        self.assert_state(VERSION, autostart=False, templates=True, users=PER_USER)
+
     def test_uninstall_of_a_running_agent_ends_it_and_leaves_what_is_the_users(self):
         self.assertEqual(self.install(VERSION), 0)
         agent = self.start_agent()
