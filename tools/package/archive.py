@@ -41,3 +41,9 @@ def write_checksums(target, paths):
     """The format of sha256sum, which also checks it."""
     lines = [f"{sha256(path)}  {path.name}\n" for path in sorted(paths)]
     target.write_text("".join(lines), encoding="utf-8", newline="\n")
+
+
+def read_checksums(path):
+    """The names that stand there; none in a file of another format."""
+    lines = [line.partition("  ") for line in path.read_text(encoding="utf-8", errors="replace").splitlines()]
+    return {name for digest, _, name in lines if len(digest) == 64}

@@ -7,31 +7,31 @@ from dataclasses import dataclass
 from pathlib import Path
 
 from faults import PackageFault
+from pefile import file_version
 
 ROOT = Path(__file__).resolve().parents[2]
 PACKAGING = ROOT / "packaging"
+POLICY_TEXTS = "OrvikNotifications.adml"
 
 
 @dataclass(frozen=True)
 class Item:
-    """One installed file. `name` is its path in the stage; files of a `part` belong together and may not be built yet."""
+    """One installed file. `name` is its path in the stage, which is also its path in the zip."""
     name: str
     source: Path
-    part: str
-    sign: bool
+    sign: bool = False
 
 
 @dataclass(frozen=True)
 class Contents:
+    """`languages` are those of the policies' texts, which are among the items."""
     items: tuple
-    absent_parts: dict
+    languages: tuple
     symbols: Path
+    map: Path
     icon: Path
     beside: tuple
     documents: tuple
-
-    def has(self, part):
-        return part not in self.absent_parts
 
 
 def version_text(root=ROOT):
@@ -47,28 +47,39 @@ def check_version(text):
         raise PackageFault(f"'{text}' is no version that Windows Installer compares; it takes 255.255.65535 at most.")
 
 
-def read(build, packaging=PACKAGING, root=ROOT):
-    """The contents as they stand in the build folder; a part of which a file is missing is absent as a whole."""
-    raw = json.loads((packaging / "contents.json").read_text(encoding="utf-8"))
-    items = [Item(entry["name"], build / entry["from"], entry.get("part", ""), entry.get("sign", False))
-             for entry in raw["installed"]]
-    absent = {}
+def check_programs(items, version):
+    """Every program says the version of the package: Windows Installer goes by it when it replaces files."""
     for item in items:
-        if not item.source.is_file():
-            if not item.part:
-                raise PackageFault(f"{item.source} is missing; build it first: ./dev build shipping")
-            absent.setdefault(item.part, []).append(item.name)
-    symbols, icon = build / raw["symbols"]["from"], build / raw["icon"]
-    for needed in (symbols, icon):
+        said = item.sign and file_version(item.source)
+        if item.sign and (not said or said[0] != f"{version}.0"):
+            raise PackageFault(f"{item.source.name} says version {said[0] if said else 'nothing'}, the package is {version}: "
+                               "build again, ./dev build shipping")
+
+
+def read(build, packaging=PACKAGING, root=ROOT):
+    """The contents as they stand in the build folder; what is missing there is a fault."""
+    raw = json.loads((packaging / "contents.json").read_text(encoding="utf-8"))
+    languages = policy_languages(build / raw["policy-texts"]["from"], root)
+    items = [Item(entry["name"], build / entry["from"], entry.get("sign", False)) for entry in raw["installed"]]
+    items += [Item(f"{raw['policy-texts']['name']}/{language}/{POLICY_TEXTS}",
+                   build / raw["policy-texts"]["from"] / language / POLICY_TEXTS) for language in languages]
+    found = Contents(tuple(items), languages, *(build / raw[name] for name in ("symbols", "map", "icon")),
+                     tuple(_beside(name, build, root) for name in raw["beside"]),
+                     tuple(root / name for name in raw["documents"]))
+    for needed in (*(item.source for item in items), found.symbols, found.map, found.icon, *found.beside, *found.documents):
         if not needed.is_file():
             raise PackageFault(f"{needed} is missing; build it first: ./dev build shipping")
-    beside = tuple(_beside(name, build, root) for name in raw["beside"])
-    documents = tuple(root / name for name in raw["documents"])
-    for path in (*beside, *documents):
-        if not path.is_file():
-            absent.setdefault("Beside", []).append(path.name)
-    return Contents(tuple(item for item in items if item.part not in absent), absent, symbols, icon,
-                    *(tuple(path for path in paths if path.is_file()) for paths in (beside, documents)))
+    return found
+
+
+def policy_languages(built, root=ROOT):
+    """The languages whose texts the build has made. What was left from another state of the sources is no part of them."""
+    made = {path.parent.name for path in built.glob(f"*/{POLICY_TEXTS}")}
+    sources = {path.stem for path in (root / "policies" / "texts").glob("*.json")}
+    if made != sources:
+        raise PackageFault(f"{built} has not the policy texts of the sources ({', '.join(sorted(made ^ sources))}): "
+                           "remove that folder, then ./dev build shipping")
+    return tuple(sorted(made))
 
 
 def _beside(name, build, root):
@@ -79,9 +90,20 @@ def _beside(name, build, root):
 def epoch(root=ROOT):
     """Seconds that stand as the time of everything in the package: given from outside, or of the last commit."""
     if given := os.environ.get("SOURCE_DATE_EPOCH"):
+        if not re.fullmatch(r"\d{1,10}", given) or int(given) >= 1 << 32:
+            raise PackageFault(f"SOURCE_DATE_EPOCH is '{given}'; it takes whole seconds since 1970, below 4294967296.")
         return int(given)
-    said = subprocess.run(["git", "-C", str(root), "log", "-1", "--format=%ct"], stdout=subprocess.PIPE,
-                          stderr=subprocess.DEVNULL, text=True, check=False).stdout.strip()
+    said = _git(root, "log", "-1", "--format=%ct")
     if not said:
         raise PackageFault("Without git the time of the package must be given: SOURCE_DATE_EPOCH=seconds ./dev package")
     return int(said)
+
+
+def differs_from_commit(root=ROOT):
+    """Whether a release made now holds what no commit holds; False where there are no commits to compare with."""
+    return bool(_git(root, "status", "--porcelain"))
+
+
+def _git(root, *words):
+    return subprocess.run(["git", "-C", str(root), *words], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+                          check=False).stdout.strip()

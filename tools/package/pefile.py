@@ -5,6 +5,7 @@ from faults import PackageFault
 
 _RESOURCES, _IMPORTS = 2, 1
 _RT_VERSION = 16
+_TRANSLATION = "Translation\0".encode("utf-16-le")
 _FIXED_SIGNATURE = struct.pack("<I", 0xFEEF04BD)
 
 
@@ -59,7 +60,7 @@ class PeFile:
             yield number, base + (place & 0x7FFFFFFF)
 
     def _version_resources(self):
-        """(language, place of the data entry) of the version resource."""
+        """Places of the data entries of the version resource, one for each language."""
         address, size = self._directories[_RESOURCES]
         if not size:
             return
@@ -67,26 +68,33 @@ class PeFile:
         for kind, names in self._resource_entries(base, base):
             if kind == _RT_VERSION:
                 for _, languages in self._resource_entries(base, names):
-                    yield from self._resource_entries(base, languages)
+                    for _, entry in self._resource_entries(base, languages):
+                        yield entry
 
     def version_block(self):
-        """(language, offset, length) of the version resource, None without one."""
-        for language, entry in self._version_resources():
+        """(offset, length) of the version resource, None without one."""
+        for entry in self._version_resources():
             address, size = struct.unpack_from("<II", self._data, entry)
-            return language, self._offset(address), size
+            return self._offset(address), size
         return None
+
+    def _translation(self, begin, size):
+        """The language that the version names, which is the one that Windows Installer takes; 0, neutral, without one."""
+        at = self._data.find(_TRANSLATION, begin, begin + size)
+        value = begin + (at + len(_TRANSLATION) - begin + 3 & ~3)
+        return struct.unpack_from("<H", self._data, value)[0] if 0 <= at and value + 4 <= begin + size else 0
 
     def file_version(self):
         """("1.2.3.4", 1033), or None for a file without a version; Windows Installer calls those unversioned."""
         block = self.version_block()
         if not block:
             return None
-        language, begin, size = block
+        begin, size = block
         fixed = self._data.find(_FIXED_SIGNATURE, begin, begin + size)
         if fixed < 0:
             return None
         high, low = struct.unpack_from("<II", self._data, fixed + 8)
-        return f"{high >> 16}.{high & 0xFFFF}.{low >> 16}.{low & 0xFFFF}", language
+        return f"{high >> 16}.{high & 0xFFFF}.{low >> 16}.{low & 0xFFFF}", self._translation(begin, size)
 
 
 def file_version(path):

@@ -1,5 +1,4 @@
 """Packages of other versions, made of the same build: the program in them says the other version too."""
-import json
 import shutil
 import struct
 import sys
@@ -8,24 +7,12 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
 import contents  # noqa: E402
 import pefile  # noqa: E402
-
-TOOL = Path(__file__).resolve().parents[1] / "package"
-
-
-def load_tool():
-    """The program without an ending, as a module."""
-    import importlib.machinery
-    import importlib.util
-    loader = importlib.machinery.SourceFileLoader("package_tool", str(TOOL))
-    module = importlib.util.module_from_spec(importlib.util.spec_from_loader("package_tool", loader))
-    loader.exec_module(module)
-    return module
-
+import release  # noqa: E402
 
 def renumber(path, version):
     """Writes another version into a program's version resource, where Windows Installer and Windows look."""
     data = bytearray(path.read_bytes())
-    _, begin, size = pefile.PeFile(bytes(data), path.name).version_block()
+    begin, size = pefile.PeFile(bytes(data), path.name).version_block()
     fixed = data.find(struct.pack("<I", 0xFEEF04BD), begin, begin + size)
     major, minor, patch = map(int, version.split("."))
     for place in (8, 16):
@@ -35,12 +22,12 @@ def renumber(path, version):
 
 def copy_build(build, target):
     """What the package takes of a build, and nothing more."""
-    raw = json.loads((contents.PACKAGING / "contents.json").read_text(encoding="utf-8"))
-    for name in [entry["from"] for entry in raw["installed"]] + [raw["icon"], raw["symbols"]["from"]] \
-            + [name.removeprefix("build/") for name in raw["beside"] if name.startswith("build/")]:
-        if (build / name).is_file():
-            (target / name).parent.mkdir(parents=True, exist_ok=True)
-            shutil.copyfile(build / name, target / name)
+    found = contents.read(build)
+    for path in (*(item.source for item in found.items), found.icon, found.symbols, found.map, *found.beside):
+        if path.is_relative_to(build):
+            copy = target / path.relative_to(build)
+            copy.parent.mkdir(parents=True, exist_ok=True)
+            shutil.copyfile(path, copy)
     return target
 
 
@@ -50,5 +37,4 @@ def installer(build, folder, version):
     for item in contents.read(other).items:
         if item.sign:
             renumber(item.source, version)
-    made, _ = load_tool().make(other, folder / version, None, 1_700_000_000, version)
-    return next(path for path in made if path.suffix == ".msi")
+    return next(path for path in release.make(other, folder / version, None, 1_700_000_000, version) if path.suffix == ".msi")

@@ -1,13 +1,17 @@
 """The parts of the packager by themselves: tables, names, versions, program files, summaries, archives, signing."""
+import os
 import struct
+import subprocess
 import tempfile
 import unittest
 import zipfile
 from pathlib import Path
+from unittest import mock
 
 import support  # noqa: F401  puts the packager on the path
 import archive
 import contents
+import corrections
 import msi
 import pefile
 import signing
@@ -50,23 +54,24 @@ class Tables(unittest.TestCase):
 class Names(unittest.TestCase):
     def test_long_names_get_a_short_one(self):
         for name in ("OrvikNotifications.exe", "Orvik Notifications", "toastImageAndText.png", "name.longer"):
-            short, bar, long_name = msi.with_short_name(name).partition("|")
+            short, bar, long_name = corrections.with_short_name(name).partition("|")
             self.assertEqual((bar, long_name), ("|", name))
             self.assertRegex(short, r"^[a-z0-9]{8}(\.[a-z]{3})?$")
 
     def test_short_names_stay(self):
         for name in ("Orvik", "en-US", ".", "SourceDir", "a.png", "abc|long name"):
-            self.assertEqual(msi.with_short_name(name), name)
+            self.assertEqual(corrections.with_short_name(name), name)
 
     def test_codes_follow_version_and_contents(self):
         with tempfile.TemporaryDirectory() as folder:
             path = Path(folder, "a")
             path.write_bytes(b"1")
-            first = msi.package_code("1.0.0", [path])
-            self.assertEqual(first, msi.package_code("1.0.0", [path]))
-            self.assertNotEqual(first, msi.package_code("1.0.1", [path]))
+            first = msi.package_code("1.0.0", [path], "tool 1")
+            self.assertEqual(first, msi.package_code("1.0.0", [path], "tool 1"))
+            self.assertNotEqual(first, msi.package_code("1.0.1", [path], "tool 1"))
+            self.assertNotEqual(first, msi.package_code("1.0.0", [path], "tool 2"))
             path.write_bytes(b"2")
-            self.assertNotEqual(first, msi.package_code("1.0.0", [path]))
+            self.assertNotEqual(first, msi.package_code("1.0.0", [path], "tool 1"))
         self.assertNotEqual(msi.product_code("1.0.0"), msi.product_code("1.0.1"))
 
     def test_version_is_one_that_windows_installer_compares(self):
@@ -75,6 +80,32 @@ class Names(unittest.TestCase):
         for bad in ("1.0", "1.0.0.0", "256.0.0", "1.256.0", "1.0.65536", "1.0.0-rc1", ""):
             with self.assertRaises(PackageFault, msg=bad):
                 contents.check_version(bad)
+
+
+class Sources(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+
+    def test_sources_with_what_no_commit_holds_are_noticed(self):
+        self.assertFalse(contents.differs_from_commit(self.folder), "no commits, nothing to compare with")
+        subprocess.run(["git", "-C", self.folder, "init", "-q"], check=True)
+        self.assertFalse(contents.differs_from_commit(self.folder))
+        (self.folder / "new").write_text("new")
+        self.assertTrue(contents.differs_from_commit(self.folder))
+
+    def test_time_is_a_number_of_seconds(self):
+        for given, expected in (("0", 0), ("1700000000", 1_700_000_000), ("4294967295", 0xFFFFFFFF)):
+            with mock.patch.dict(os.environ, SOURCE_DATE_EPOCH=given):
+                self.assertEqual(contents.epoch(self.folder), expected)
+        for given in ("yesterday", "-1", "1.5", "4294967296", "17000000000"):
+            with mock.patch.dict(os.environ, SOURCE_DATE_EPOCH=given), self.assertRaisesRegex(PackageFault, "whole seconds"):
+                contents.epoch(self.folder)
+
+    def test_time_must_be_given_where_there_are_no_commits(self):
+        with mock.patch.dict(os.environ, SOURCE_DATE_EPOCH=""), self.assertRaisesRegex(PackageFault, "Without git the time"):
+            contents.epoch(self.folder)
 
 
 class ProgramFiles(unittest.TestCase):

@@ -1,5 +1,4 @@
-"""The installed agent in the simulated machine, in a prefix of its own: the machine stays in the prefix."""
-import os
+"""The installed agent in the simulated machine. Last of the tests, for the machine stays in the prefix."""
 import sys
 import tempfile
 import unittest
@@ -8,24 +7,20 @@ from pathlib import Path
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).resolve().parent))
 import machine  # noqa: E402
-import packages  # noqa: E402
-from test_install import BUILD, MISSING, SYMBOLS, VERSION  # noqa: E402
+from state import BUILD, VERSION, in_windows, package  # noqa: E402
 
 _SIMULATOR = BUILD / "bin" / "orvik-sim.exe"
 _AGENT = "C:\\" + machine.AGENT.replace("/", "\\")
 
 
-@unittest.skipIf(MISSING, f"{', '.join(MISSING)} not installed: ./dev install package")
-@unittest.skipUnless(SYMBOLS.is_file(), f"{SYMBOLS} is not built: ./dev build release")
-@unittest.skipUnless(os.environ.get("WINEPREFIX"), "no Windows: run inside tools/testenv")
-@unittest.skipUnless(_SIMULATOR.is_file(), f"{_SIMULATOR} is not built")
+@in_windows
 class InstalledAgent(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        with tempfile.TemporaryDirectory() as folder:
-            package = packages.installer(BUILD, Path(folder), VERSION)
-            if code := machine.msiexec("/i", machine.windows_path(package)):
-                raise AssertionError(f"the installation failed with {code}")
+        if code := machine.msiexec("/i", machine.windows_path(package(VERSION))):
+            raise AssertionError(f"the installation failed with {code}")
+        # The machine stays in the prefix, the product does not.
+        cls.addClassCleanup(machine.msiexec, "/x", machine.windows_path(package(VERSION)))
         code, said = machine.run(_SIMULATOR, "prepare")
         if code:
             raise AssertionError(said)
