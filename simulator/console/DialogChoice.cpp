@@ -1,6 +1,7 @@
 #include "simulator/console/DialogChoice.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace Simulator
 {
@@ -15,8 +16,8 @@ unsigned DialogChoice::Find(ScenarioRun& run) const
 {
     const auto lastMeant = [this](const std::vector<nlohmann::json>& dialogs)
     {
-        return std::find_if(dialogs.rbegin(), dialogs.rend(),
-                            [this](const nlohmann::json& dialog) { return Means(dialog); });
+        return std::ranges::find_if(std::views::reverse(dialogs),
+                                    [this](const nlohmann::json& dialog) { return Means(dialog); });
     };
     const std::vector<nlohmann::json> open = WaitForDialogs(run, [&](const std::vector<nlohmann::json>& dialogs)
                                                             { return lastMeant(dialogs) != dialogs.rend(); });

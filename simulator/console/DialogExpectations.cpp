@@ -55,6 +55,7 @@ std::vector<DialogPattern> ReadPatterns(const nlohmann::json& value, const std::
     if (!value.is_array())
         throw UsageError(place + ": a list is expected");
     std::vector<DialogPattern> patterns;
+    patterns.reserve(value.size());
     for (std::size_t i = 0; i < value.size(); ++i)
         patterns.emplace_back(value[i], place + "/" + std::to_string(i));
     return patterns;
@@ -62,8 +63,8 @@ std::vector<DialogPattern> ReadPatterns(const nlohmann::json& value, const std::
 
 bool AreLike(const std::vector<nlohmann::json>& dialogs, const std::vector<DialogPattern>& patterns)
 {
-    return std::equal(dialogs.begin(), dialogs.end(), patterns.begin(), patterns.end(),
-                      [](const nlohmann::json& dialog, const DialogPattern& pattern) { return pattern.Fits(dialog); });
+    return std::ranges::equal(dialogs, patterns, [](const nlohmann::json& dialog, const DialogPattern& pattern)
+                              { return pattern.Fits(dialog); });
 }
 
 // A list: soon so many dialogs are open and look so, in the order of opening.

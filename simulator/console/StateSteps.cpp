@@ -16,7 +16,7 @@ using Action = std::function<void(ScenarioRun&)>;
 std::string Shortened(const nlohmann::json& answer)
 {
     constexpr std::size_t limit = 120;
-    const std::string text = answer.dump();
+    std::string text = answer.dump();
     if (text.size() <= limit)
         return text;
     std::size_t end = limit;

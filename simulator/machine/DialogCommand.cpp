@@ -36,7 +36,7 @@ nlohmann::json ListDialogs(const nlohmann::json&)
         {
             dialogs.push_back(desktop.Describe(number));
         }
-        catch (const std::runtime_error&)
+        catch (const std::runtime_error&) // NOLINT(bugprone-empty-catch)
         {
             // It has closed meanwhile.
         }

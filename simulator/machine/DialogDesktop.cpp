@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <ranges>
 #include <stdexcept>
 
 namespace Simulator
@@ -61,9 +62,8 @@ DialogDesktop& DialogDesktop::Instance()
 DialogDesktop::Watched::Watched(DialogDesktop& desktop) : m_desktop(desktop)
 {
     const std::lock_guard lock(m_desktop.m_lock);
-    const bool isOutermost =
-        std::none_of(m_desktop.m_lstDialogs.begin(), m_desktop.m_lstDialogs.end(),
-                     [](const Dialog& dialog) { return dialog.m_dwThreadId == GetCurrentThreadId(); });
+    const bool isOutermost = std::ranges::none_of(m_desktop.m_lstDialogs, [](const Dialog& dialog)
+                                                  { return dialog.m_dwThreadId == GetCurrentThreadId(); });
     m_dialog = m_desktop.m_lstDialogs.insert(m_desktop.m_lstDialogs.end(), Dialog{GetCurrentThreadId()});
     if (isOutermost)
         m_pHooks = std::make_unique<Hooks>();
@@ -90,7 +90,7 @@ std::vector<unsigned> DialogDesktop::Open() const
         if (dialog.m_nNumber != 0)
             numbers.push_back(dialog.m_nNumber);
     }
-    std::sort(numbers.begin(), numbers.end());
+    std::ranges::sort(numbers);
     return numbers;
 }
 
@@ -166,8 +166,8 @@ LRESULT CALLBACK DialogDesktop::BeforeDispatch(int code, WPARAM wParam, LPARAM l
 void DialogDesktop::OnShown(HWND window)
 {
     const std::lock_guard lock(m_lock);
-    const auto dialog = std::find_if(m_lstDialogs.rbegin(), m_lstDialogs.rend(), [](const Dialog& candidate)
-                                     { return candidate.m_dwThreadId == GetCurrentThreadId(); });
+    const auto dialog = std::ranges::find_if(std::views::reverse(m_lstDialogs), [](const Dialog& candidate)
+                                             { return candidate.m_dwThreadId == GetCurrentThreadId(); });
     if (dialog == m_lstDialogs.rend() || dialog->m_hwnd != nullptr)
         return;
     dialog->m_hwnd = window;
@@ -235,12 +235,12 @@ HWND DialogDesktop::WindowOf(unsigned number) const
 // With another dialog of its thread on the way, what the answer does is not yet seen.
 bool DialogDesktop::IsHandled(unsigned number, unsigned fence) const
 {
-    const auto dialog = std::find_if(m_lstDialogs.begin(), m_lstDialogs.end(),
-                                     [number](const Dialog& candidate) { return candidate.m_nNumber == number; });
+    const auto dialog =
+        std::ranges::find_if(m_lstDialogs, [number](const Dialog& candidate) { return candidate.m_nNumber == number; });
     return dialog == m_lstDialogs.end() ||
            (dialog->m_nHandled >= fence &&
-            std::none_of(m_lstDialogs.begin(), m_lstDialogs.end(), [dialog](const Dialog& other)
-                         { return other.m_dwThreadId == dialog->m_dwThreadId && other.m_nNumber == 0; }));
+            std::ranges::none_of(m_lstDialogs, [dialog](const Dialog& other)
+                                 { return other.m_dwThreadId == dialog->m_dwThreadId && other.m_nNumber == 0; }));
 }
 
 // The dialog's thread serves it, in whatever loop it is.
@@ -254,8 +254,8 @@ void DialogDesktop::Ask(unsigned number, Request& request)
     m_changed.wait(lock,
                    [this, number]
                    {
-                       return std::none_of(m_lstDialogs.begin(), m_lstDialogs.end(),
-                                           [number](const Dialog& dialog) { return dialog.m_nNumber == number; });
+                       return std::ranges::none_of(m_lstDialogs, [number](const Dialog& dialog)
+                                                   { return dialog.m_nNumber == number; });
                    });
     throw std::runtime_error("dialog " + std::to_string(number) + " has closed meanwhile");
 }

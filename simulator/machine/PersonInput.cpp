@@ -23,7 +23,7 @@ void PressEscape(HWND window)
     GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &input);
     const HWND target = IsChild(window, input.hwndFocus) ? input.hwndFocus : window;
     constexpr LPARAM firstPress = 1;
-    constexpr LPARAM released = static_cast<LPARAM>(0xC0000001);
+    constexpr auto released = static_cast<LPARAM>(0xC0000001);
     PostMessageW(target, WM_KEYDOWN, VK_ESCAPE, firstPress);
     PostMessageW(target, WM_KEYUP, VK_ESCAPE, released);
 }
