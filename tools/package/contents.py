@@ -19,7 +19,7 @@ class Item:
     """One installed file. `name` is its path in the stage, which is also its path in the zip."""
     name: str
     source: Path
-    sign: bool = False
+    program: bool = False  # has a version, and is signed
 
 
 @dataclass(frozen=True)
@@ -49,10 +49,10 @@ def check_version(text):
 
 def check_programs(items, version):
     """Every program says the version of the package: Windows Installer goes by it when it replaces files."""
-    for item in items:
-        said = item.sign and file_version(item.source)
-        if item.sign and (not said or said[0] != f"{version}.0"):
-            raise PackageFault(f"{item.source.name} says version {said[0] if said else 'nothing'}, the package is {version}: "
+    for source in (item.source for item in items if item.program):
+        said = file_version(source)
+        if not said or said[0] != f"{version}.0":
+            raise PackageFault(f"{source.name} says version {said[0] if said else 'nothing'}, the package is {version}: "
                                "build again, ./dev build shipping")
 
 
@@ -60,7 +60,7 @@ def read(build, packaging=PACKAGING, root=ROOT):
     """The contents as they stand in the build folder; what is missing there is a fault."""
     raw = json.loads((packaging / "contents.json").read_text(encoding="utf-8"))
     languages = policy_languages(build / raw["policy-texts"]["from"], root)
-    items = [Item(entry["name"], build / entry["from"], entry.get("sign", False)) for entry in raw["installed"]]
+    items = [Item(entry["name"], build / entry["from"], entry.get("program", False)) for entry in raw["installed"]]
     items += [Item(f"{raw['policy-texts']['name']}/{language}/{POLICY_TEXTS}",
                    build / raw["policy-texts"]["from"] / language / POLICY_TEXTS) for language in languages]
     found = Contents(tuple(items), languages, *(build / raw[name] for name in ("symbols", "map", "icon")),
@@ -75,6 +75,8 @@ def read(build, packaging=PACKAGING, root=ROOT):
 def policy_languages(built, root=ROOT):
     """The languages whose texts the build has made. What was left from another state of the sources is no part of them."""
     made = {path.parent.name for path in built.glob(f"*/{POLICY_TEXTS}")}
+    if not made:
+        raise PackageFault(f"{built} holds no policy texts; build them first: ./dev build shipping")
     sources = {path.stem for path in (root / "policies" / "texts").glob("*.json")}
     if made != sources:
         raise PackageFault(f"{built} has not the policy texts of the sources ({', '.join(sorted(made ^ sources))}): "
@@ -105,5 +107,9 @@ def differs_from_commit(root=ROOT):
 
 
 def _git(root, *words):
-    return subprocess.run(["git", "-C", str(root), *words], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
-                          check=False).stdout.strip()
+    """What git says; nothing where there is none."""
+    try:
+        return subprocess.run(["git", "-C", str(root), *words], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+                              check=False).stdout.strip()
+    except FileNotFoundError:
+        return ""

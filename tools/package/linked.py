@@ -7,8 +7,8 @@ from faults import PackageFault
 from tables import run
 
 _GCC_LICENCE = "GPL-3.0-or-later WITH GCC-exception-3.1"
-# Debian's names of the two, which have no name of their own among the licences of SPDX: the one is of the conversion of
-# floating-point numbers, the other of the printf family.
+# Debian's names of three that have no name of their own among the licences of SPDX: Lucent's is of the conversion of
+# floating-point numbers, Keith Marshall's of the printf family, and some mathematics is in the public domain.
 _CRT_LICENCE = "ZPL-2.1 AND LicenseRef-Lucent AND LicenseRef-Keith-Marshall AND LicenseRef-public-domain"
 
 
@@ -68,7 +68,8 @@ def _library_of(name, source, members):
     found = next((one for one in LIBRARIES if one.source == source and re.fullmatch(one.files, name)), None)
     if not found:
         raise PackageFault(f"{name} of {source} is in the executable and no entry holds it; mend tools/package/linked.py")
-    foreign = [member for member in members if member and re.fullmatch(rf"(.*-)?({found.foreign})\.o", member)]
+    parts = [member or name for member in members]
+    foreign = [part for part in parts if re.fullmatch(rf"(.*-)?({found.foreign})\.o", part)]
     if foreign:
         raise PackageFault(f"{', '.join(foreign)} of {name} has a licence of its own; mend tools/package/linked.py")
     return found
@@ -78,7 +79,7 @@ def libraries(map_file):
     """All that is inside and not our own: what the build made stands in the map by a path below the build folder."""
     members = {}
     for name, member in taken(map_file.read_text(encoding="utf-8", errors="replace")):
-        if Path(name).is_absolute():
+        if Path(name).is_absolute() or ".." in Path(name).parts:
             members.setdefault(Path(name), []).append(member)
     packages = {}
     for path, (package, source) in _owners(members).items():

@@ -2,7 +2,6 @@
 import hashlib
 import uuid
 import xml.etree.ElementTree as ElementTree
-from pathlib import Path
 
 import corrections
 import languages
@@ -26,18 +25,9 @@ def product_code(version):
     return _code(f"product {version}")
 
 
-def package_code(version, paths, tool):
-    """The same for the same contents, another one for any other: Windows takes two packages of one code for one."""
-    digest = hashlib.sha256(tool.encode())
-    for path in paths:
-        digest.update(path.name.encode() + b"\0" + hashlib.sha256(path.read_bytes()).digest())
-    return _code(f"package {version} {digest.hexdigest()}")
-
-
-def inputs(work, names):
-    """All files that the package is made of: what is installed, icon, source, corrections, and the code that puts them together."""
-    return [work / WXS.name, work / "orvik.ico", *corrections.EXTRA_TABLES, *sorted(Path(__file__).parent.glob("*.py")),
-            *(work / "files" / name for name in sorted(names))]
+def package_code(data):
+    """The same for the same bytes, another one for any other: Windows takes two packages of one code for one."""
+    return _code(f"package {hashlib.sha256(data).hexdigest()}")
 
 
 def _run_wixl(target, work, version):
@@ -51,7 +41,7 @@ def _run_wixl(target, work, version):
 
 
 def build(target, work, contents, version, epoch):
-    """The installer of the files in work/files, with the icon beside them. The same files and the same version make the same
+    """The installer of the files in work/files, with the icon beside them. The same files, version and time make the same
     bytes."""
     wxs = ElementTree.parse(WXS)
     languages.add(wxs, contents.languages)
@@ -59,7 +49,5 @@ def build(target, work, contents, version, epoch):
     wxs.write(work / WXS.name, encoding="utf-8", xml_declaration=True)
     _run_wixl(target, work, version)
     corrections.correct(target, wxs, work / "files")
-    tool = tables.run(["wixl", "--version"]).decode().strip()
-    names = [path.relative_to(work / "files").as_posix() for path in (work / "files").rglob("*") if path.is_file()]
-    summary.settle(target, package_code(version, inputs(work, names), tool), epoch)
+    summary.settle(target, package_code, epoch)
     return target

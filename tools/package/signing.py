@@ -11,6 +11,10 @@ PLACE = "{file}"
 def check(command):
     if PLACE not in command:
         raise PackageFault(f"The signing command must say where the file's name goes, for instance: --sign 'sign.sh {PLACE}'")
+    try:
+        shlex.split(command)
+    except ValueError as fault:
+        raise PackageFault(f"The signing command is not whole: {fault}") from fault
 
 
 def sign(path, command, epoch):
@@ -25,5 +29,5 @@ def sign(path, command, epoch):
     if done.returncode:
         raise PackageFault(f"The signing command failed with {done.returncode} for {path.name}: {done.stdout.strip()}")
     if path.read_bytes() == before:
-        raise PackageFault(f"The signing command said nothing and left {path.name} as it was.")
+        raise PackageFault(f"The signing command ended well and left {path.name} as it was. It said: {done.stdout.strip()}")
     settle(path, epoch)

@@ -21,7 +21,8 @@ def _find_set(data):
 
 
 def properties(data):
-    """number -> (type, place of the value) in the file; the set lies in one piece, which is checked by its own sizes."""
+    """number -> (type, place of the value) in the file. That the set lies there in one piece is taken for granted; another
+    tool's reading of the finished package shows it."""
     begin = _find_set(data)
     section = begin + struct.unpack_from("<I", data, begin + 44)[0]
     size, count = struct.unpack_from("<II", data, section)
@@ -35,7 +36,8 @@ def properties(data):
 
 
 def settle(path, package_code, epoch):
-    """Gives the package its code, a GUID in braces and capitals, and the time of its making and saving."""
+    """Gives the package the time of its making and saving, and its code: package_code makes a GUID, in braces and capitals,
+    of all its bytes, those of the code blank."""
     data = bytearray(path.read_bytes())
     found = properties(data)
     kinds = [found.get(number, (None,))[0] for number in (PACKAGE_CODE, CREATED, SAVED)]
@@ -45,7 +47,8 @@ def settle(path, package_code, epoch):
     length, = struct.unpack_from("<I", data, place)
     if length != 39 or data[place + 4:place + 5] != b"{" or data[place + 41:place + 43] != b"}\0":
         raise PackageFault("The package's code is not where it should be.")
-    data[place + 4:place + 42] = package_code.encode("ascii")
     for number in (CREATED, SAVED):
         struct.pack_into("<Q", data, found[number][1], _FILETIME_OF_1970 + epoch * 10_000_000)
+    data[place + 4:place + 42] = b" " * 38
+    data[place + 4:place + 42] = package_code(data).encode("ascii")
     path.write_bytes(data)

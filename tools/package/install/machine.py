@@ -118,8 +118,13 @@ class RunningAgent:
     def runs(self):
         return self._process.poll() is None
 
-    def exit_code(self, patience=20):
-        return self._process.wait(patience)
+    def has_ended(self, patience=20):
+        """Soon, by whatever made it end."""
+        try:
+            self._process.wait(patience)
+        except subprocess.TimeoutExpired:
+            return False
+        return True
 
     def close(self):
         if self.runs:

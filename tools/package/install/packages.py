@@ -9,6 +9,7 @@ import contents  # noqa: E402
 import pefile  # noqa: E402
 import release  # noqa: E402
 
+
 def renumber(path, version):
     """Writes another version into a program's version resource, where Windows Installer and Windows look."""
     data = bytearray(path.read_bytes())
@@ -35,6 +36,6 @@ def installer(build, folder, version):
     """The installer of that version, made in the folder."""
     other = copy_build(build, folder / f"build-{version}")
     for item in contents.read(other).items:
-        if item.sign:
+        if item.program:
             renumber(item.source, version)
     return next(path for path in release.make(other, folder / version, None, 1_700_000_000, version) if path.suffix == ".msi")

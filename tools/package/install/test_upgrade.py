@@ -18,7 +18,7 @@ class Upgrading(Installation):
         self.assertEqual(self.install(VERSION), 0)
         agent = self.start_agent()
         self.assertEqual(self.install(HIGHER), 0, "0, not 3010: nothing waits for a restart")
-        self.assertIsNotNone(agent.exit_code())
+        self.assertTrue(agent.has_ended())
         self.assert_state(HIGHER, users=PER_USER)
         self.start_agent()
         self.assertEqual(self.remove(HIGHER), 0)

@@ -1,6 +1,8 @@
 """What the release says of the libraries inside: the linker's account, the bill of materials, the notices."""
 import json
+import tempfile
 import unittest
+from pathlib import Path
 
 import support
 import linked
@@ -40,6 +42,17 @@ class LinkersAccount(unittest.TestCase):
         for member in ("lib64_libmingwex_a-strtodnrp.o", "s_erf.o"):
             with self.assertRaisesRegex(PackageFault, f"{member} of libmingwex.a has a licence of its own"):
                 linked._library_of("libmingwex.a", "mingw-w64", ["lib64_libmingwex_a-gdtoa.o", member])
+
+    def test_object_file_under_another_licence_is_refused(self):
+        with self.assertRaisesRegex(PackageFault, "gcrt0.o of gcrt0.o has a licence of its own"):
+            linked._library_of("gcrt0.o", "mingw-w64", [None])
+
+    def test_library_from_outside_the_build_is_none_of_ours(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = Path(folder, "map")
+            path.write_text(_TEXT.replace("/usr/lib/libc.a", "../vendor/libz.a"))
+            with self.assertRaisesRegex(PackageFault, "libz.a"):
+                linked.libraries(path)
 
     def test_members_that_bring_the_further_licences_are_inside(self):
         members = {member for _, member in linked.taken(_MAP.read_text(errors="replace"))}

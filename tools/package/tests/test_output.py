@@ -31,9 +31,57 @@ class OutputFolder(unittest.TestCase):
         self.fill()
         release.check_output(self.output)
 
-    def test_release_is_replaced(self):
-        self.fill("OrvikNotifications-0.9.9-x64.msi", "NOTES", checksums=["OrvikNotifications-0.9.9-x64.msi", "NOTES"])
-        release.check_output(self.output)
+    def replace(self, meanwhile=lambda: None):
+        """By a release of one file, made without the tools that make a real one."""
+        def make(_found, _work, target, *_):
+            (target / "OrvikNotifications-2.msi").write_text("new")
+            meanwhile()
+
+        with mock.patch.object(release, "_make", make):
+            return release.make(support.BUILD, self.output, None, support.EPOCH, support.VERSION)
+
+    def test_release_is_replaced_as_a_whole(self):
+        self.fill("OrvikNotifications-1.msi", "NOTES", checksums=["OrvikNotifications-1.msi", "NOTES"])
+        self.assertEqual(self.replace(), [self.output / "OrvikNotifications-2.msi"])
+        self.assertEqual([path.name for path in self.folder.iterdir()], ["out"])
+
+    def test_release_that_cannot_be_replaced_stays(self):
+        self.fill("OrvikNotifications-1.msi", checksums=["OrvikNotifications-1.msi"])
+        rename = Path.rename
+
+        def refuse(path, target):
+            if path.name == "release":
+                raise OSError(16, "Device or resource busy")
+            return rename(path, target)
+
+        with mock.patch.object(Path, "rename", refuse), self.assertRaisesRegex(PackageFault, "cannot be replaced: Device"):
+            self.replace()
+        self.assertTrue((self.output / "OrvikNotifications-1.msi").exists())
+        self.assertEqual([path.name for path in self.folder.iterdir()], ["out"])
+
+    def test_what_came_into_the_folder_meanwhile_stays(self):
+        self.fill("OrvikNotifications-1.msi", checksums=["OrvikNotifications-1.msi"])
+        with self.assertRaisesRegex(PackageFault, "holds other things than a release"):
+            self.replace(lambda: (self.output / "letter.txt").write_text("a letter"))
+        self.assertEqual((self.output / "letter.txt").read_text(), "a letter")
+
+    def test_folder_with_a_folder_inside_is_refused(self):
+        self.fill("OrvikNotifications-1.msi", checksums=["OrvikNotifications-1.msi"])
+        (self.output / "OrvikNotifications-1.msi").unlink()
+        (self.output / "OrvikNotifications-1.msi").mkdir()
+        with self.assertRaisesRegex(PackageFault, "holds other things than a release"):
+            release.check_output(self.output)
+
+    def test_checksums_that_are_a_folder_are_refused(self):
+        self.fill()
+        (self.output / "SHA256SUMS").mkdir()
+        with self.assertRaisesRegex(PackageFault, "holds other things than a release"):
+            release.check_output(self.output)
+
+    def test_name_that_is_none_is_refused(self):
+        for name in ("/", self.folder / "x" / ".."):
+            with self.assertRaisesRegex(PackageFault, "is no name for a new folder"):
+                release.check_output(Path(name))
 
     def test_foreign_folder_is_refused(self):
         self.fill("letter.txt")

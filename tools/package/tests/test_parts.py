@@ -63,15 +63,8 @@ class Names(unittest.TestCase):
             self.assertEqual(corrections.with_short_name(name), name)
 
     def test_codes_follow_version_and_contents(self):
-        with tempfile.TemporaryDirectory() as folder:
-            path = Path(folder, "a")
-            path.write_bytes(b"1")
-            first = msi.package_code("1.0.0", [path], "tool 1")
-            self.assertEqual(first, msi.package_code("1.0.0", [path], "tool 1"))
-            self.assertNotEqual(first, msi.package_code("1.0.1", [path], "tool 1"))
-            self.assertNotEqual(first, msi.package_code("1.0.0", [path], "tool 2"))
-            path.write_bytes(b"2")
-            self.assertNotEqual(first, msi.package_code("1.0.0", [path], "tool 1"))
+        self.assertEqual(msi.package_code(b"1"), msi.package_code(b"1"))
+        self.assertNotEqual(msi.package_code(b"1"), msi.package_code(b"2"))
         self.assertNotEqual(msi.product_code("1.0.0"), msi.product_code("1.0.1"))
 
     def test_version_is_one_that_windows_installer_compares(self):
@@ -88,6 +81,13 @@ class Sources(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = Path(folder.name)
 
+    def test_machine_without_git_has_no_commits(self):
+        with mock.patch.dict(os.environ, PATH="", SOURCE_DATE_EPOCH=""):
+            self.assertFalse(contents.differs_from_commit(self.folder))
+            with self.assertRaisesRegex(PackageFault, "Without git the time"):
+                contents.epoch(self.folder)
+
+    @support.needs("git")
     def test_sources_with_what_no_commit_holds_are_noticed(self):
         self.assertFalse(contents.differs_from_commit(self.folder), "no commits, nothing to compare with")
         subprocess.run(["git", "-C", self.folder, "init", "-q"], check=True)
@@ -165,6 +165,10 @@ class Signing(unittest.TestCase):
     def test_command_without_a_place_for_the_file_is_refused(self):
         with self.assertRaisesRegex(PackageFault, "where the file's name goes"):
             signing.check("sign.sh")
+
+    def test_command_with_an_open_quotation_is_refused(self):
+        with self.assertRaisesRegex(PackageFault, "is not whole: No closing quotation"):
+            signing.check("sign.sh '{file}")
 
 
 if __name__ == "__main__":

@@ -85,6 +85,12 @@ class Release(unittest.TestCase):
             one, two = (printed(support.one(folder, ".msi"))["Revision number (UUID)"] for folder in (self.release, out))
             self.assertNotEqual(one, two, name)
 
+    def test_same_contents_of_another_time_are_another_package(self):
+        other = self.folder / "later"
+        release.make(support.BUILD, other, None, support.EPOCH + 2, support.VERSION)
+        one, two = (printed(support.one(folder, ".msi"))["Revision number (UUID)"] for folder in (self.release, other))
+        self.assertNotEqual(one, two)
+
     def run_program(self, *words, **environment):
         return subprocess.run([str(support.PROGRAM), *map(str, words)], cwd=self.folder, stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT, text=True, check=False,

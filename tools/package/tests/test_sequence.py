@@ -7,8 +7,8 @@ import support
 # removal stands before installation, and what is registered comes last.
 _ORDER = ["FindRelatedProducts", "LaunchConditions", "ValidateProductID", "CostInitialize", "FileCost", "CostFinalize",
           "MigrateFeatureStates", "InstallValidate", "InstallInitialize", "RemoveExistingProducts", "EndAgents",
-          "ProcessComponents", "UnpublishFeatures", "RemoveRegistryValues", "RemoveShortcuts", "RemoveFiles", "RemoveFolders",
-          "CreateFolders", "InstallFiles", "CreateShortcuts", "WriteRegistryValues", "RegisterUser", "RegisterProduct",
+          "ProcessComponents", "UnpublishFeatures", "RemoveRegistryValues", "RemoveShortcuts", "RemoveFiles",
+          "InstallFiles", "CreateShortcuts", "WriteRegistryValues", "RegisterUser", "RegisterProduct",
           "PublishFeatures", "PublishProduct", "InstallFinalize"]
 
 
@@ -40,7 +40,7 @@ class Sequence(support.InstallerTables):
         self.assertEqual(self.rows("CustomAction", "Action", "Type", "Source", "Target"), {
             ("EndAgents", str(34 + 1024 + 2048 + 64), "System64Folder",
              '"[System64Folder]taskkill.exe" /F /IM OrvikNotifications.exe')})
-        # Its working folder is one that nobody else may write to.
+        # Its working folder is one that Windows names.
         self.assertEqual(self.by_key("Directory", "Directory")["System64Folder"]["Directory_Parent"], "TARGETDIR")
 
     def test_other_sequences_end_no_agents(self):
