@@ -20,14 +20,13 @@ def _identifier(language):
 
 
 def _folder(language):
-    """The folder is there already where Windows speaks that language; else it comes and goes with the file."""
+    """The folder is there already where Windows speaks that language; else it comes with the file and goes when it is empty."""
     name = _identifier(language)
     folder = ElementTree.Element(NAMESPACE + "Directory", Id=f"PolicyFolder.{name}", Name=language)
     component = ElementTree.SubElement(folder, NAMESPACE + "Component", Id=f"PolicyText.{name}",
                                        Guid=component_guid(language), Win64="yes")
     ElementTree.SubElement(component, NAMESPACE + "File", Id=f"PolicyAdml.{name}", Name=POLICY_TEXTS, KeyPath="yes",
                            Source=f"files/PolicyDefinitions/{language}/{POLICY_TEXTS}")
-    ElementTree.SubElement(component, NAMESPACE + "RemoveFolder", Id=f"RemovePolicyFolder.{name}", On="uninstall")
     return folder
 
 
