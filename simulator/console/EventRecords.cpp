@@ -10,11 +10,11 @@ namespace
 {
 std::string TimeText(std::int64_t seconds)
 {
-    const std::time_t time = static_cast<std::time_t>(seconds);
+    const auto time = static_cast<std::time_t>(seconds);
     const std::tm* const parts = std::gmtime(&time);
     char text[16] = {};
     if (parts != nullptr)
-        std::strftime(text, sizeof(text), "%H:%M:%S", parts);
+        static_cast<void>(std::strftime(text, sizeof(text), "%H:%M:%S", parts));
     return text;
 }
 
@@ -44,9 +44,9 @@ std::string DamageText(const EventLogRecord& record)
 std::string Row(std::size_t number, const EventLogRecord& record)
 {
     char columns[128] = {};
-    std::snprintf(columns, sizeof(columns), "    %6zu  %8s  %-18.30s  %-11.15s  %10u  ", number,
-                  TimeText(record.m_nTime).c_str(), SourceText(record).c_str(), EventTypeName(record.m_wType).c_str(),
-                  static_cast<unsigned>(record.m_dwEventId));
+    static_cast<void>(std::snprintf(columns, sizeof(columns), "    %6zu  %8s  %-18.30s  %-11.15s  %10u  ", number,
+                                    TimeText(record.m_nTime).c_str(), SourceText(record).c_str(),
+                                    EventTypeName(record.m_wType).c_str(), static_cast<unsigned>(record.m_dwEventId)));
     return columns + TextInOneLine(record) + DamageText(record);
 }
 } // namespace
