@@ -4,9 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace
 {
 using namespace Orvik::Shared;
+using TestSupport::LeaksNoHandles;
 using TestSupport::OpenHandleCount;
 
 TEST(HandleCount, KernelObjectsOfEveryKind_Count)
@@ -29,5 +32,32 @@ TEST(HandleCount, Counting_OpensNothing)
     const unsigned before = OpenHandleCount();
     for (int i = 0; i < 10; ++i)
         EXPECT_EQ(OpenHandleCount(), before);
+}
+
+UniqueHandle NewEvent()
+{
+    return UniqueHandle(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+}
+
+TEST(LeaksNoHandles, HandleThatIsClosed_IsNoLeak)
+{
+    EXPECT_TRUE(LeaksNoHandles([] { NewEvent(); }));
+}
+
+TEST(LeaksNoHandles, HandleThatStaysOnce_IsNoLeak)
+{
+    UniqueHandle kept;
+    EXPECT_TRUE(LeaksNoHandles(
+        [&kept]
+        {
+            if (!kept)
+                kept = NewEvent();
+        }));
+}
+
+TEST(LeaksNoHandles, HandleThatStaysEachTime_IsALeak)
+{
+    std::vector<UniqueHandle> kept;
+    EXPECT_FALSE(LeaksNoHandles([&kept] { kept.push_back(NewEvent()); }));
 }
 } // namespace
