@@ -16,8 +16,8 @@ _BOOK_FILES = re.compile(r"^windows/Installer(/|$)")
 # Made by whatever runs in a prefix.
 _NOISE_FILES = re.compile(r"^(users/[^/]+/(AppData/Local/)?Temp|windows/temp)(/|$)", re.IGNORECASE)
 
-# What Windows changes while it runs.
-_VOLATILE = ("system\\currentcontrolset\\enum", "system\\currentcontrolset\\control\\", "hardware")
+# What Windows changes while it runs; and the number of the current control set, under which newer Wine shows it once more.
+_VOLATILE = ("system\\currentcontrolset\\enum", "system\\currentcontrolset\\control\\", "system\\controlset001", "hardware")
 
 
 def run(*words, timeout=300):
