@@ -1,7 +1,6 @@
 #include "tests/logfile/HeldDisk.h"
 #include "tests/logfile/LinesByWriter.h"
-#include "tests/logfile/LogFileTest.h"
-#include "tests/logfile/WriterThreads.h"
+#include "tests/logfile/QueuedLogFileTest.h"
 #include "tests/support/AllocationFault.h"
 
 #include <thread>
@@ -47,17 +46,7 @@ Waits WaitsOf(Action action)
     return seen;
 }
 
-class LogFileFinish : public LogFileTest
-{
-protected:
-    static void WriteNumbered(COrvikLogListenerFile& listener, unsigned first, unsigned last)
-    {
-        for (unsigned i = first; i <= last; ++i)
-            listener.Write(MakeRecord(L"message " + std::to_wstring(i)));
-    }
-
-    WriterThreads m_threads;
-};
+using LogFileFinish = QueuedLogFileTest;
 
 TEST_F(LogFileFinish, FastDisk_LosesNothing)
 {

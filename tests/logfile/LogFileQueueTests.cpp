@@ -1,6 +1,5 @@
 #include "tests/logfile/HeldDisk.h"
-#include "tests/logfile/LogFileTest.h"
-#include "tests/logfile/WriterThreads.h"
+#include "tests/logfile/QueuedLogFileTest.h"
 #include "tests/support/AllocationFault.h"
 
 namespace
@@ -9,17 +8,7 @@ using namespace Orvik::Shared;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class LogFileQueue : public LogFileTest
-{
-protected:
-    static void WriteNumbered(COrvikLogListenerFile& listener, unsigned first, unsigned last)
-    {
-        for (unsigned i = first; i <= last; ++i)
-            listener.Write(MakeRecord(L"message " + std::to_wstring(i)));
-    }
-
-    WriterThreads m_threads;
-};
+using LogFileQueue = QueuedLogFileTest;
 
 TEST_F(LogFileQueue, NoRecord_StartsNoThread)
 {

@@ -139,6 +139,7 @@ TEST_F(LogFileStart, StartThatCannotBeRead_IsMovedAside)
 {
     const auto call = FailCall<decltype(fgetws)>("fgetws", 0, nullptr, ERROR_READ_FAULT);
     EXPECT_TRUE(IsMovedAside(Marked(OldLine)));
+    EXPECT_TRUE(IsMovedAside("abc")) << "as long as a byte-order mark, and none";
 }
 
 TEST_F(LogFileStart, FileMovedAside_LeavesTheMutexFree)
